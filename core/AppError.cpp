@@ -17,8 +17,9 @@ AppError invalidProcedureCall()
 QString AppErrorText(const AppError &error)
 {
     const QChar cr(13);
-    return QStringLiteral("The following error has occured in the application:") + cr + QString::number(error.number) +
-           QStringLiteral(" = ") + error.description + cr + QStringLiteral("Press OK to attempt to fix problem.") + cr +
+    return QStringLiteral("The following error has occured in the application:") + cr +
+           QString::number(error.number) + QStringLiteral(" = ") + error.description + cr +
+           QStringLiteral("Press OK to attempt to fix problem.") + cr +
            QStringLiteral("If problem remains, please exit program and report error to VNL.");
 }
 

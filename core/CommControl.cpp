@@ -20,8 +20,8 @@ std::optional<LineSettings> ParseLineSettings(const QString &text)
     if (!okBaud || !okData || !okStop || parts[1].size() != 1 || s.baud <= 0)
         return std::nullopt;
     s.parity = parts[1].at(0).toUpper().toLatin1();
-    if (!QByteArrayLiteral("NEOMS").contains(s.parity) || s.dataBits < 5 || s.dataBits > 8 || s.stopBits < 1 ||
-        s.stopBits > 2)
+    if (!QByteArrayLiteral("NEOMS").contains(s.parity) || s.dataBits < 5 || s.dataBits > 8 ||
+        s.stopBits < 1 || s.stopBits > 2)
         return std::nullopt;
     return s;
 }
@@ -35,9 +35,7 @@ QString LineSettingsText(const LineSettings &settings)
         .arg(settings.stopBits);
 }
 
-CommControl::CommControl(QObject *parent) : QObject(parent)
-{
-}
+CommControl::CommControl(QObject *parent) : QObject(parent) {}
 
 CommControl::~CommControl() = default;
 

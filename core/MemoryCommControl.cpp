@@ -3,9 +3,7 @@
 #include "AppError.h"
 #include "TimeSource.h"
 
-MemoryCommControl::MemoryCommControl(QObject *parent) : CommControl(parent)
-{
-}
+MemoryCommControl::MemoryCommControl(QObject *parent) : CommControl(parent) {}
 
 void MemoryCommControl::feed(const QByteArray &bytes)
 {
@@ -86,9 +84,7 @@ void MemoryCommControl::applyControlLines(bool dtr, bool rts)
         m_peer->hostControlLines(dtr, rts);
 }
 
-void MemoryCommControl::applyHandshaking(int)
-{
-}
+void MemoryCommControl::applyHandshaking(int) {}
 
 bool MemoryCommControl::carrierDetect() const
 {

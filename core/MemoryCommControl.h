@@ -14,7 +14,11 @@ public:
     // Bytes that left the computer, at the line settings the port had at that moment.
     virtual void hostWrote(const QByteArray &bytes, const LineSettings &line) = 0;
     virtual void hostLineSettings(const LineSettings &line) { Q_UNUSED(line); }
-    virtual void hostControlLines(bool dtr, bool rts) { Q_UNUSED(dtr); Q_UNUSED(rts); }
+    virtual void hostControlLines(bool dtr, bool rts)
+    {
+        Q_UNUSED(dtr);
+        Q_UNUSED(rts);
+    }
     virtual void hostOpened(bool open) { Q_UNUSED(open); }
     virtual bool carrier() const { return false; }
 };
@@ -25,9 +29,9 @@ struct WireEvent
     enum class Kind { Write, Settings, ControlLines, Open, Close, Received };
     Kind kind = Kind::Write;
     qint64 atMs = 0;
-    QByteArray bytes;  // Write and Received: the bytes; Settings: the settings text
-    bool dtr = false;  // ControlLines
-    bool rts = false;  // ControlLines
+    QByteArray bytes; // Write and Received: the bytes; Settings: the settings text
+    bool dtr = false; // ControlLines
+    bool rts = false; // ControlLines
 };
 
 // The serial control in memory: the far side is a PortPeer, every event is recorded, and faults

@@ -52,12 +52,13 @@ public:
     virtual std::optional<QFont> FontDialog(const QFont &initial, const QString &title) = 0;
     virtual void Beep() = 0;
 
-    MsgAnswer MsgBox(const QString &text, MsgButtons buttons = MsgButtons::OkOnly, MsgIcon icon = MsgIcon::None,
-                     const QString &title = {}, int defaultButton = 1)
+    MsgAnswer MsgBox(const QString &text, MsgButtons buttons = MsgButtons::OkOnly,
+                     MsgIcon icon = MsgIcon::None, const QString &title = {}, int defaultButton = 1)
     {
         return MsgBox(MsgBoxRequest{text, buttons, icon, defaultButton, title});
     }
-    std::optional<QString> InputBox(const QString &prompt, const QString &title = {}, const QString &defaultText = {})
+    std::optional<QString> InputBox(const QString &prompt, const QString &title = {},
+                                    const QString &defaultText = {})
     {
         return InputBox(InputBoxRequest{prompt, title, defaultText});
     }

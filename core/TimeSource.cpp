@@ -63,10 +63,8 @@ void RealTime::after(int ms, std::function<void()> fn)
     QTimer::singleShot(ms, Qt::PreciseTimer, this, std::move(fn));
 }
 
-VirtualTime::VirtualTime(QObject *parent)
-    : TimeSource(parent), m_origin(QDate(2026, 11, 21), QTime(9, 0, 0))
-{
-}
+VirtualTime::VirtualTime(QObject *parent) : TimeSource(parent), m_origin(QDate(2026, 11, 21), QTime(9, 0, 0))
+{}
 
 void VirtualTime::MsDelay(int ms)
 {

@@ -9,10 +9,14 @@ const char *kindName(ScriptedPrompts::Expectation::Kind kind)
 {
     using K = ScriptedPrompts::Expectation::Kind;
     switch (kind) {
-    case K::MsgBox: return "message box";
-    case K::InputBox: return "input box";
-    case K::FileDialog: return "file dialog";
-    case K::FontDialog: return "font dialog";
+    case K::MsgBox:
+        return "message box";
+    case K::InputBox:
+        return "input box";
+    case K::FileDialog:
+        return "file dialog";
+    case K::FontDialog:
+        return "font dialog";
     }
     return "?";
 }
@@ -26,11 +30,16 @@ void fail(const QString &message)
 const char *toString(MsgIcon icon)
 {
     switch (icon) {
-    case MsgIcon::None: return "plain";
-    case MsgIcon::Critical: return "critical";
-    case MsgIcon::Question: return "question";
-    case MsgIcon::Exclamation: return "exclamation";
-    case MsgIcon::Information: return "information";
+    case MsgIcon::None:
+        return "plain";
+    case MsgIcon::Critical:
+        return "critical";
+    case MsgIcon::Question:
+        return "question";
+    case MsgIcon::Exclamation:
+        return "exclamation";
+    case MsgIcon::Information:
+        return "information";
     }
     return "?";
 }
@@ -38,12 +47,18 @@ const char *toString(MsgIcon icon)
 const char *toString(MsgButtons buttons)
 {
     switch (buttons) {
-    case MsgButtons::OkOnly: return "OK";
-    case MsgButtons::OkCancel: return "OK/Cancel";
-    case MsgButtons::AbortRetryIgnore: return "Abort/Retry/Ignore";
-    case MsgButtons::YesNoCancel: return "Yes/No/Cancel";
-    case MsgButtons::YesNo: return "Yes/No";
-    case MsgButtons::RetryCancel: return "Retry/Cancel";
+    case MsgButtons::OkOnly:
+        return "OK";
+    case MsgButtons::OkCancel:
+        return "OK/Cancel";
+    case MsgButtons::AbortRetryIgnore:
+        return "Abort/Retry/Ignore";
+    case MsgButtons::YesNoCancel:
+        return "Yes/No/Cancel";
+    case MsgButtons::YesNo:
+        return "Yes/No";
+    case MsgButtons::RetryCancel:
+        return "Retry/Cancel";
     }
     return "?";
 }
@@ -60,7 +75,8 @@ ScriptedPrompts::Expectation &ScriptedPrompts::expectMsgBox(const QString &text,
     return m_script.last();
 }
 
-ScriptedPrompts::Expectation &ScriptedPrompts::expectInputBox(const QString &prompt, std::optional<QString> reply)
+ScriptedPrompts::Expectation &ScriptedPrompts::expectInputBox(const QString &prompt,
+                                                              std::optional<QString> reply)
 {
     Expectation e;
     e.kind = Expectation::Kind::InputBox;
@@ -70,7 +86,8 @@ ScriptedPrompts::Expectation &ScriptedPrompts::expectInputBox(const QString &pro
     return m_script.last();
 }
 
-ScriptedPrompts::Expectation &ScriptedPrompts::expectFileDialog(std::optional<QString> fileName, const QString &title)
+ScriptedPrompts::Expectation &ScriptedPrompts::expectFileDialog(std::optional<QString> fileName,
+                                                                const QString &title)
 {
     Expectation e;
     e.kind = Expectation::Kind::FileDialog;
@@ -116,7 +133,8 @@ std::optional<ScriptedPrompts::Expectation> ScriptedPrompts::take(Expectation::K
         return std::nullopt;
     }
     Expectation e = m_script.takeFirst();
-    const bool textMatches = kind == Expectation::Kind::FontDialog || (kind == Expectation::Kind::FileDialog && e.text.isEmpty()) || e.text == text;
+    const bool textMatches = kind == Expectation::Kind::FontDialog ||
+                             (kind == Expectation::Kind::FileDialog && e.text.isEmpty()) || e.text == text;
     if (e.kind != kind || !textMatches) {
         fail(QStringLiteral("Expected %1 \"%2\" but got %3 \"%4\"")
                  .arg(QLatin1String(kindName(e.kind)), e.text, QLatin1String(kindName(kind)), text));
@@ -138,13 +156,16 @@ MsgAnswer ScriptedPrompts::MsgBox(const MsgBoxRequest &request)
     if (!e)
         return request.buttons == MsgButtons::OkOnly ? MsgAnswer::Ok : MsgAnswer::Cancel;
     if (e->icon && *e->icon != request.icon)
-        fail(QStringLiteral("Box \"%1\": icon %2, expected %3")
-                 .arg(request.text, QLatin1String(toString(request.icon)), QLatin1String(toString(*e->icon))));
+        fail(
+            QStringLiteral("Box \"%1\": icon %2, expected %3")
+                .arg(request.text, QLatin1String(toString(request.icon)), QLatin1String(toString(*e->icon))));
     if (e->buttons && *e->buttons != request.buttons)
         fail(QStringLiteral("Box \"%1\": buttons %2, expected %3")
-                 .arg(request.text, QLatin1String(toString(request.buttons)), QLatin1String(toString(*e->buttons))));
+                 .arg(request.text, QLatin1String(toString(request.buttons)),
+                      QLatin1String(toString(*e->buttons))));
     if (e->title && *e->title != request.title)
-        fail(QStringLiteral("Box \"%1\": title \"%2\", expected \"%3\"").arg(request.text, request.title, *e->title));
+        fail(QStringLiteral("Box \"%1\": title \"%2\", expected \"%3\"")
+                 .arg(request.text, request.title, *e->title));
     if (e->defaultButton && *e->defaultButton != request.defaultButton)
         fail(QStringLiteral("Box \"%1\": default button %2, expected %3")
                  .arg(request.text)
@@ -162,7 +183,8 @@ std::optional<QString> ScriptedPrompts::InputBox(const InputBoxRequest &request)
     if (!e)
         return std::nullopt;
     if (e->title && *e->title != request.title)
-        fail(QStringLiteral("Input box \"%1\": title \"%2\", expected \"%3\"").arg(request.prompt, request.title, *e->title));
+        fail(QStringLiteral("Input box \"%1\": title \"%2\", expected \"%3\"")
+                 .arg(request.prompt, request.title, *e->title));
     if (e->onShow)
         e->onShow();
     return e->reply;

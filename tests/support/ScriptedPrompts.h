@@ -23,15 +23,35 @@ public:
         std::optional<QString> title;
         std::optional<int> defaultButton;
         MsgAnswer answer = MsgAnswer::Ok;
-        std::optional<QString> reply;    // input box text, file name; nullopt: cancel
-        std::optional<QFont> font;       // font dialog answer
-        std::function<void()> onShow;    // runs when the box is shown, before it is answered
+        std::optional<QString> reply; // input box text, file name; nullopt: cancel
+        std::optional<QFont> font;    // font dialog answer
+        std::function<void()> onShow; // runs when the box is shown, before it is answered
 
-        Expectation &withIcon(MsgIcon i) { icon = i; return *this; }
-        Expectation &withButtons(MsgButtons b) { buttons = b; return *this; }
-        Expectation &withTitle(const QString &t) { title = t; return *this; }
-        Expectation &withDefault(int d) { defaultButton = d; return *this; }
-        Expectation &then(std::function<void()> fn) { onShow = std::move(fn); return *this; }
+        Expectation &withIcon(MsgIcon i)
+        {
+            icon = i;
+            return *this;
+        }
+        Expectation &withButtons(MsgButtons b)
+        {
+            buttons = b;
+            return *this;
+        }
+        Expectation &withTitle(const QString &t)
+        {
+            title = t;
+            return *this;
+        }
+        Expectation &withDefault(int d)
+        {
+            defaultButton = d;
+            return *this;
+        }
+        Expectation &then(std::function<void()> fn)
+        {
+            onShow = std::move(fn);
+            return *this;
+        }
     };
 
     // A record of what was shown, for assertions on order and timing.
@@ -73,8 +93,8 @@ public:
 
 private:
     std::optional<Expectation> take(Expectation::Kind kind, const QString &text);
-    void record(Expectation::Kind kind, const QString &text, const QString &title, MsgIcon icon = MsgIcon::None,
-                MsgButtons buttons = MsgButtons::OkOnly);
+    void record(Expectation::Kind kind, const QString &text, const QString &title,
+                MsgIcon icon = MsgIcon::None, MsgButtons buttons = MsgButtons::OkOnly);
 
     const TimeSource *m_clock;
     QList<Expectation> m_script;

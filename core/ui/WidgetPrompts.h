@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Prompts.h"
+
+class QWidget;
+
+// The prompts of the running program: Qt's message boxes and dialogs, modal over the active window.
+class WidgetPrompts : public Prompts
+{
+public:
+    MsgAnswer MsgBox(const MsgBoxRequest &request) override;
+    std::optional<QString> InputBox(const InputBoxRequest &request) override;
+    QString FileDialog(const FileDialogRequest &request) override;
+    std::optional<QFont> FontDialog(const QFont &initial, const QString &title) override;
+    void Beep() override;
+    using Prompts::InputBox;
+    using Prompts::MsgBox;
+};

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+// A command program file (.nvc): the command lines as text, each followed by a carriage return and
+// a line feed, and one more line end after the last, so that the file ends in a blank line.
+
+// The lines of a file's text, in order: every line that is not empty, unchanged (a line of blanks
+// stays). A carriage return, a line feed, or the two together end a line.
+QStringList ProgramLinesFromText(const QByteArray &text);
+// The text of a file holding these lines.
+QByteArray ProgramFileText(const QStringList &lines);
+
+// The filter of a file dialog as the program writes it ("Text (*.txt)|*.txt|All (*.*)|*.*|"),
+// turned into the form the dialog takes ("Text (*.txt);;All (*.*)").
+QString FileDialogFilter(const QString &barSeparated);
+
+// The error numbers that opening a program file can give; Open tells the user about four of them.
+namespace ProgramFileErrors {
+inline constexpr int FileNotFound = 53;
+inline constexpr int FileAlreadyOpen = 55;
+inline constexpr int BadFileName = 64;
+inline constexpr int PermissionDenied = 70;
+inline constexpr int PathFileAccess = 75;
+inline constexpr int PathNotFound = 76;
+} // namespace ProgramFileErrors
+
+// The error number for a failed opening: the system's error code, and whether the folder the
+// name points into exists (a missing file and a missing folder give the same code).
+int OpenErrorNumber(int osError, bool folderExists);
+// What Open shows for an error number; empty for the numbers it passes over in silence.
+QString OpenErrorMessage(int number);
+// Whether Open offers its file dialog again after the error: for a name that leads nowhere.
+bool OpenErrorAsksAgain(int number);
+
+struct ProgramFileContents
+{
+    int errorNumber = 0; // 0 when the file opened
+    QStringList lines;
+};
+
+// Opens and reads a program file whole. A failure to open gives its error number and no lines;
+// a failure while reading keeps what was read before it.
+ProgramFileContents ReadProgramFile(const QString &path);
+
+// Writes the lines as a program file, replacing the file only once the whole text is safely
+// written: a failure leaves an existing file as it was. Throws AppError on failure.
+void WriteProgramFile(const QString &path, const QStringList &lines);

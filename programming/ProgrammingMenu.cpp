@@ -1,0 +1,325 @@
+#include "ProgrammingMenu.h"
+
+#include "AppError.h"
+#include "BusyPointer.h"
+#include "CommControl.h"
+#include "CommandListBox.h"
+#include "ModemSession.h"
+#include "ProgramFile.h"
+#include "ProgramTransfer.h"
+#include "Prompts.h"
+
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+const QString kOpenFilter = QStringLiteral("Varnel Commands (*.nvc)|*.nvc|Text (*.txt)|*.txt|All (*.*)|*.*");
+// The save filter has no text-file row and ends in a bar of its own; both differ from Open on purpose.
+const QString kSaveFilter = QStringLiteral("VNL Files (*.nvc)|*.nvc|All files (*.*)|*.*|");
+// Open presets a name of one blank: a dialog that hands it back has chosen nothing.
+const QString kBlankName = QStringLiteral(" ");
+
+QString welcomeText()
+{
+    const QString paragraphBreak = QStringLiteral("\n\n");
+    return QStringLiteral(
+               "This section will allow you to develop a list of software commands for your Varnel "
+               "Wireless Modems.") +
+           paragraphBreak +
+           QStringLiteral(
+               "All Varnel software commands are listed in the above menus and can be added to your "
+               "command list for download to your Varnel or saved as a file for future use.") +
+           paragraphBreak +
+           QStringLiteral("For PLC Programming, click on Varnel Programming in above menu and select PLC.");
+}
+
+QPushButton *button(QWidget *parent, const char *name, const QString &caption, const QString &toolTip = {})
+{
+    auto *b = new QPushButton(caption, parent);
+    b->setObjectName(QLatin1String(name));
+    b->setToolTip(toolTip);
+    return b;
+}
+} // namespace
+
+ProgrammingMenu::ProgrammingMenu(ModemSession &session, QWidget *parent)
+    : QMainWindow(parent), m_session(session), m_lblIntro(new QLabel(this)), m_Label1(new QLabel(this)),
+      m_Frame1(new QGroupBox(QStringLiteral("Command List"), this)), m_cmboedit(new CommandListBox(m_Frame1)),
+      m_cmdokVNL(button(this, "cmdokVNL", QStringLiteral("Add Command"),
+                        QStringLiteral("Adds Command to Command List"))),
+      m_cmddelete(button(this, "cmddelete", QStringLiteral("Delete Command"),
+                         QStringLiteral("Deletes Highlighted Command In the List"))),
+      // Clear carries the delete button's tool tip word for word.
+      m_cmdClear(button(this, "cmdClear", QStringLiteral("Clear List"),
+                        QStringLiteral("Deletes Highlighted Command In the List"))),
+      m_cmdreturn(button(this, "cmdreturn", QStringLiteral("Exit to Main Menu")))
+{
+    setObjectName(QStringLiteral("ProgrammingMenu"));
+    setWindowTitle(QStringLiteral("Varnel Programming"));
+
+    m_lblIntro->setObjectName(QStringLiteral("lblIntro"));
+    m_lblIntro->setText(QStringLiteral("Welcome to The Varnel Command Editor"));
+    QFont heading = m_lblIntro->font();
+    heading.setBold(true);
+    heading.setPointSizeF(heading.pointSizeF() * 1.4);
+    m_lblIntro->setFont(heading);
+    m_lblIntro->setAlignment(Qt::AlignCenter);
+
+    m_Label1->setObjectName(QStringLiteral("Label1"));
+    m_Label1->setWordWrap(true);
+    m_Label1->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    m_Frame1->setObjectName(QStringLiteral("Frame1"));
+    m_cmboedit->setObjectName(QStringLiteral("cmboedit"));
+
+    auto *frameLayout = new QVBoxLayout(m_Frame1);
+    frameLayout->addWidget(m_cmboedit);
+    auto *buttons = new QHBoxLayout;
+    buttons->addWidget(m_cmdokVNL);
+    buttons->addWidget(m_cmddelete);
+    buttons->addWidget(m_cmdClear);
+    frameLayout->addLayout(buttons);
+
+    auto *central = new QWidget(this);
+    auto *grid = new QGridLayout(central);
+    grid->addWidget(m_lblIntro, 0, 0, 1, 2);
+    grid->addWidget(m_Label1, 1, 0);
+    grid->addWidget(m_Frame1, 1, 1);
+    grid->addWidget(m_cmdreturn, 2, 0, 1, 2, Qt::AlignHCenter);
+    grid->setColumnStretch(0, 2);
+    grid->setColumnStretch(1, 3);
+    setCentralWidget(central);
+    resize(720, 480);
+
+    buildMenus();
+
+    connect(m_cmdokVNL, &QPushButton::clicked, this, &ProgrammingMenu::addTypedCommand);
+    connect(m_cmddelete, &QPushButton::clicked, this, &ProgrammingMenu::deleteSelectedCommand);
+    connect(m_cmdClear, &QPushButton::clicked, this, &ProgrammingMenu::SavePrompt);
+    connect(m_cmdreturn, &QPushButton::clicked, this, &ProgrammingMenu::close);
+
+    // From here the dialogues of the programming screens read the port, not the terminal.
+    m_Label1->setText(welcomeText());
+    m_session.Comm1().setAutoProcess(CommControl::kAutoProcessProgram);
+}
+
+ProgrammingMenu::~ProgrammingMenu() = default;
+
+QMenu *ProgrammingMenu::addMenu(QMenu *parent, const char *name, const QString &caption)
+{
+    QMenu *menu = parent ? parent->addMenu(caption) : menuBar()->addMenu(caption);
+    menu->setObjectName(QLatin1String(name));
+    menu->menuAction()->setObjectName(QLatin1String(name));
+    return menu;
+}
+
+QAction *ProgrammingMenu::addEntry(QMenu *menu, const char *name, const QString &caption)
+{
+    QAction *action = menu->addAction(caption);
+    action->setObjectName(QLatin1String(name));
+    return action;
+}
+
+void ProgrammingMenu::buildMenus()
+{
+    // The entries built here lead to what this screen does itself. The others stand in the menu
+    // disabled until the dialog or form they open is part of the program.
+    const auto later = [](QAction *action) { action->setEnabled(false); };
+
+    QMenu *mnufile = addMenu(nullptr, "mnufile", QStringLiteral("&File"));
+    connect(addEntry(mnufile, "mnuopen", QStringLiteral("Open Program File")), &QAction::triggered, this,
+            &ProgrammingMenu::OpenProgramFile);
+    connect(addEntry(mnufile, "mnusave2", QStringLiteral("Save Program File")), &QAction::triggered, this,
+            &ProgrammingMenu::SaveProgramFile);
+    QMenu *mnuread = addMenu(mnufile, "mnuread", QStringLiteral("&Read Program From Varnel"));
+    connect(addEntry(mnuread, "mnureadconn", QStringLiteral("Read from Connected Varnel")),
+            &QAction::triggered, this, &ProgrammingMenu::readFromConnected);
+    later(addEntry(mnuread, "mnureadremote", QStringLiteral("Read from Remote Varnel")));
+    QMenu *mnusave = addMenu(mnufile, "mnusave", QStringLiteral("&Save Program To Varnel "));
+    connect(addEntry(mnusave, "mnuconnected", QStringLiteral("To Connected Varnel ")), &QAction::triggered,
+            this, &ProgrammingMenu::downloadToConnected);
+    later(addEntry(mnusave, "mnuremote", QStringLiteral("To Remote Varnel")));
+    connect(addEntry(mnufile, "mnuclear", QStringLiteral("Clear Command List")), &QAction::triggered, this,
+            &ProgrammingMenu::SavePrompt);
+    mnufile->addSeparator()->setObjectName(QStringLiteral("mnudash11"));
+    connect(addEntry(mnufile, "mnuMainmenu8", QStringLiteral("Return to Main Menu")), &QAction::triggered,
+            this, &ProgrammingMenu::close);
+
+    QMenu *mnuprog = addMenu(nullptr, "mnuprog", QStringLiteral("&Varnel Programming"));
+    later(addEntry(mnuprog, "mnutrans", QStringLiteral("Transparent")));
+    later(addEntry(mnuprog, "mnuplc", QStringLiteral("PLC")));
+    QMenu *mnurtn = addMenu(mnuprog, "mnurtn", QStringLiteral("RTN"));
+    later(addEntry(mnurtn, "mnuradioip", QStringLiteral("Radio/IP")));
+    connect(addEntry(mnuprog, "mnucustom", QStringLiteral("Custom")), &QAction::triggered, this,
+            &ProgrammingMenu::showCustomListing);
+
+    QMenu *mnusoft = addMenu(nullptr, "mnusoft", QStringLiteral("&Software Commands"));
+    QMenu *mnumodes = addMenu(mnusoft, "mnumodes", QStringLiteral("Modes of Operation"));
+    later(addEntry(mnumodes, "mnucommmode", QStringLiteral("Command Mode")));
+    later(addEntry(mnumodes, "mnuconv", QStringLiteral("Converse Mode")));
+    later(addEntry(mnumodes, "mnuremoteprog", QStringLiteral("Remote Programming")));
+    later(addEntry(mnumodes, "mnudigi", QStringLiteral("Digi-Repeating")));
+    QMenu *mnusimple = addMenu(mnusoft, "mnusimple", QStringLiteral("Simple Programming"));
+    later(addEntry(mnusimple, "mnuSetAddress", QStringLiteral("Varnel Address")));
+    later(addEntry(mnusimple, "mnusetconn", QStringLiteral("Set Connect Address ")));
+    later(addEntry(mnusimple, "mnuconnect", QStringLiteral("Connect")));
+    later(addEntry(mnusimple, "mnudisc", QStringLiteral("Disconnect")));
+    later(addEntry(mnusimple, "mnuFA", QStringLiteral("Restore Factory Settings")));
+    later(addEntry(mnusimple, "mnuxmiter", QStringLiteral("Radio Transmitter ON/OFF")));
+    later(addEntry(mnusimple, "mnureset", QStringLiteral("Reset Modem")));
+    later(addEntry(mnusimple, "mnusa", QStringLiteral("Save")));
+    QMenu *mnuadv = addMenu(mnusoft, "mnuadv", QStringLiteral("Advanced Programming"));
+    later(addEntry(mnuadv, "mnubc", QStringLiteral("Broadcast")));
+    later(addEntry(mnuadv, "mnuautotadv", QStringLiteral("AutoTransmit")));
+    later(addEntry(mnuadv, "mnuMIadv", QStringLiteral("Multi-ID")));
+    later(addEntry(mnuadv, "mnusecadv", QStringLiteral("Security")));
+    later(addEntry(mnuadv, "mnuautolfadv", QStringLiteral("Auto Line Feed")));
+    later(addEntry(mnuadv, "mnuenDTRadv", QStringLiteral("Enable DTR")));
+    later(addEntry(mnuadv, "mnuechoadv", QStringLiteral("Echo")));
+    later(addEntry(mnuadv, "mnumcadv", QStringLiteral("Mode Control")));
+    QMenu *mnuhsprotadv = addMenu(mnuadv, "mnuhsprotadv", QStringLiteral("Hand Shaking Protocol"));
+    later(addEntry(mnuhsprotadv, "mnuxhflow", QStringLiteral("Hardware Flow Control")));
+    later(addEntry(mnuhsprotadv, "mnuxsflow", QStringLiteral("Software Flow Control")));
+    later(addEntry(mnuadv, "mnucommmodeadv", QStringLiteral("Key to Command Mode")));
+    later(addEntry(mnuadv, "mnuconvadv", QStringLiteral("Converse Mode Editing")));
+    later(addEntry(mnuadv, "mnuadvmess", QStringLiteral("Message Format")));
+    later(addEntry(mnuadv, "mnuadvnetID", QStringLiteral("Network ID")));
+    later(addEntry(mnuadv, "mnusendpackadv", QStringLiteral("Send Packet Key")));
+    later(addEntry(mnuadv, "mnuadvtimer", QStringLiteral("Termination Timer")));
+    // The two error message entries are in the menu and open nothing: no entry leads to those dialogs.
+    QMenu *mnuerrorformadv = addMenu(mnuadv, "mnuerrorformadv", QStringLiteral("Error Messages"));
+    addEntry(mnuerrorformadv, "mnuSysErrMsgs", QStringLiteral("System Error Messages"));
+    addEntry(mnuerrorformadv, "mnuCommErrMsgs", QStringLiteral("Communication Error Messages"));
+    later(addEntry(mnuadv, "mnucbdadv", QStringLiteral("Carrier Busy Delay")));
+
+    QMenu *mnuVNLinfo = addMenu(nullptr, "mnuVNLinfo", QStringLiteral("Varnel Information"));
+    later(addEntry(mnuVNLinfo, "mnucopyr", QStringLiteral("Copyright")));
+    later(addEntry(mnuVNLinfo, "mnuModelNumber2", QStringLiteral("Model Number")));
+    later(addEntry(mnuVNLinfo, "mnuModemopt", QStringLiteral("Modem Options")));
+    later(addEntry(mnuVNLinfo, "mnuserial", QStringLiteral("Modem Serial Number")));
+    later(addEntry(mnuVNLinfo, "mnusoftvers", QStringLiteral("Modem Software Version")));
+    later(addEntry(mnuVNLinfo, "mnuHours", QStringLiteral("Hour Meter")));
+    later(addEntry(mnuVNLinfo, "mnupacketl", QStringLiteral("Packet Length")));
+    later(addEntry(mnuVNLinfo, "mnuretries", QStringLiteral("Number of Retries")));
+    later(addEntry(mnuVNLinfo, "mnuxmitstats", QStringLiteral("Transmit status")));
+
+    QMenu *mnuhelp = addMenu(nullptr, "mnuhelp", QStringLiteral("Help"));
+    connect(addEntry(mnuhelp, "mnuAbout", QStringLiteral("About")), &QAction::triggered, this,
+            &ProgrammingMenu::aboutRequested);
+}
+
+void ProgrammingMenu::AddCommand(const QString &text)
+{
+    m_cmboedit->addLine(text);
+}
+
+void ProgrammingMenu::addTypedCommand()
+{
+    const QString text = m_cmboedit->text();
+    if (text.isEmpty())
+        return;
+    m_cmboedit->addLine(text);
+    m_cmboedit->setText(QString());
+}
+
+void ProgrammingMenu::deleteSelectedCommand()
+{
+    m_cmboedit->removeLine(m_cmboedit->listIndex());
+}
+
+void ProgrammingMenu::SavePrompt()
+{
+    if (m_cmboedit->count() == 0)
+        return;
+    if (m_session.prompts().MsgBox(QStringLiteral("Do You Wish to Save The Current Command List?"),
+                                   MsgButtons::YesNo, MsgIcon::Question) == MsgAnswer::Yes)
+        SaveProgramFile();
+    // Whatever came of the saving, the list starts afresh.
+    m_cmboedit->clear();
+}
+
+void ProgrammingMenu::SaveProgramFile()
+{
+    Prompts &prompts = m_session.prompts();
+    if (m_cmboedit->listIndex() >= 0)
+        m_cmboedit->setListIndex(0);
+    if (m_cmboedit->count() == 0) {
+        prompts.MsgBox(QStringLiteral("Error:  The file does not contain anything to save."));
+        return;
+    }
+    const QStringList lines = m_cmboedit->lines();
+
+    FileDialogRequest request;
+    request.kind = FileDialogRequest::Kind::Save;
+    request.filter = FileDialogFilter(kSaveFilter);
+    request.overwritePrompt = true;
+    const QString name = prompts.FileDialog(request);
+    if (name.isEmpty())
+        return;
+    Attempt(prompts, [&] { WriteProgramFile(name, lines); });
+}
+
+void ProgrammingMenu::OpenProgramFile()
+{
+    SavePrompt();
+    SetBusyPointer();
+    Prompts &prompts = m_session.prompts();
+    for (;;) {
+        FileDialogRequest request;
+        request.kind = FileDialogRequest::Kind::Open;
+        request.fileName = kBlankName;
+        request.filter = FileDialogFilter(kOpenFilter);
+        const QString name = prompts.FileDialog(request);
+        if (name.isEmpty() || name == kBlankName)
+            break;
+        const ProgramFileContents contents = ReadProgramFile(name);
+        const QString message = OpenErrorMessage(contents.errorNumber);
+        if (!message.isEmpty())
+            prompts.MsgBox(message);
+        if (OpenErrorAsksAgain(contents.errorNumber))
+            continue;
+        for (const QString &line : contents.lines)
+            m_cmboedit->addLine(line);
+        break;
+    }
+    RestorePointer();
+}
+
+void ProgrammingMenu::showCustomListing()
+{
+    m_session.prompts().MsgBox(
+        QStringLiteral("To create a custom program list for your Varnel, locate required ") +
+            QStringLiteral("commands in software commands and add to Command List on ") +
+            QStringLiteral("the right side of the screen."),
+        MsgButtons::OkOnly, MsgIcon::None, QStringLiteral("Custom Listing"));
+}
+
+void ProgrammingMenu::readFromConnected()
+{
+    SavePrompt();
+    ReadProgram(m_session, *m_cmboedit);
+}
+
+void ProgrammingMenu::downloadToConnected()
+{
+    DownloadProgram(m_session, *m_cmboedit);
+}
+
+void ProgrammingMenu::closeEvent(QCloseEvent *event)
+{
+    if (m_cmboedit->count() > 0) {
+        if (m_session.prompts().MsgBox(QStringLiteral("Do You Wish to Save The Command List?"),
+                                       MsgButtons::YesNo, MsgIcon::Question) == MsgAnswer::Yes)
+            SaveProgramFile();
+        m_cmboedit->clear();
+    }
+    // Leaving the section gives the port back to the terminal.
+    m_session.Comm1().setAutoProcess(CommControl::kAutoProcessTerminal);
+    event->accept();
+    emit returnedToMainMenu();
+}

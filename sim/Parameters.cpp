@@ -1,0 +1,122 @@
+#include "Parameters.h"
+
+namespace sim {
+
+namespace {
+constexpr int kAny = 0x7fffffff;
+}
+
+const QList<ParameterSpec> &parameterSpecs()
+{
+    using K = ValueKind;
+    static const QList<ParameterSpec> specs{
+        {"MODEL", 5, "MODEL", K::Text, 0, 0, true, false},
+        {"OPTION", 3, "OPTION", K::Number, 0, 255, true, false},
+        {"S/N", 3, "S/N", K::Number, 0, 65535, true, false},
+        {"VERSION", 3, "VERSION", K::Text, 0, 0, false, false},
+        {"ADDRESS", 3, "ADDRESS", K::Number, 1, 254},
+        {"NETWORK", 3, "NETWORK", K::Number, 1, 254},
+        {"SETCONNECT", 4, "SETCON", K::Text},
+        {"SEL/A1", 6, "A1", K::Number, 0, kAny, true, true, true},
+        {"SEL/N1", 6, "N1", K::Number, 0, kAny, true, true, true},
+        {"SEL/N2", 6, "N2", K::Number, 0, kAny, true, true, true},
+        {"SQUELCH", 2, "SQUELCH", K::Number, 0, 255},
+        {"ASQUELCH", 3, "ASQUELCH", K::Number, 0, 255},
+        {"RFLOW", 3, "RFLOW", K::OnOff},
+        {"RXMARK", 3, "RXMARK", K::Number, 0, 255},
+        {"RFPOWER", 3, "RFPOWER", K::Number, 0, 1},
+        {"COMRATE", 4, "COMRATE", K::Number, 0, 127},
+        {"DATARATE", 3, "DATARATE", K::Number, 0, 255},
+        {"RFWAIT", 3, "RFWAIT", K::Number, 0, 255},
+        {"RXDATA", 3, "RXDATA", K::Number, 0, 255},
+        {"RXEND", 3, "RXEND", K::Number, 0, 255},
+        {"TXFLAG", 3, "TXFLAG", K::Number, 0, 255},
+        {"TXEND", 3, "TXEND", K::Number, 0, 255},
+        {"FRACK", 3, "FRACK", K::Number, 0, 255},
+        {"RETRY", 3, "RETRY", K::Number, 0, 255},
+        {"CARBSY", 3, "CARBSY", K::Number, 0, 255},
+        {"PACKLEN", 4, "PACKLEN", K::Number, 1, 2000},
+        {"SENDPACK", 4, "SENDPACK", K::Number, 1, 254},
+        {"COMMAND", 4, "COMMAND", K::Number, 0, 255},
+        {"TERMC", 5, "TERMC", K::OnOff},
+        {"TERMTIME", 5, "TERMTIME", K::Number, 10, 65535},
+        {"AUTOLF", 2, "AUTOLF", K::OnOff},
+        {"ECHO", 2, "ECHO", K::OnOff},
+        {"EDIT", 2, "EDIT", K::OnOff},
+        {"DTR_ENAB", 3, "DTR_ENAB", K::OnOff},
+        {"MODECONTR", 5, "MODECONTR", K::OnOff},
+        {"MESSFORM", 4, "MESSFORM", K::OnOff},
+        {"MULTID", 5, "MULTID", K::OnOff},
+        {"XHFLOW", 3, "XHFLOW", K::OnOff},
+        {"XSFLOW", 3, "XSFLOW", K::OnOff},
+        {"TYPERR", 5, "TYPERR", K::OnOff},
+        {"TYPSYS", 4, "TYPSYS", K::OnOff},
+        {"SECURITY", 3, "SECURITY", K::Number, 0, 32767, true, false},
+    };
+    return specs;
+}
+
+const ParameterSpec *findParameter(const QString &command)
+{
+    for (const ParameterSpec &spec : parameterSpecs())
+        if (command.compare(QLatin1String(spec.command), Qt::CaseInsensitive) == 0)
+            return &spec;
+    return nullptr;
+}
+
+QByteArray valueLine(const ParameterSpec &spec, const QString &value)
+{
+    const int valueColumn = spec.shortLabel ? 7 : 11;
+    QByteArray line(spec.label);
+    // "= " stands just in front of the value; a long label still gets one blank before it.
+    const int pad = std::max(1, valueColumn - 2 - int(line.size()));
+    line += QByteArray(pad, ' ');
+    line += "= ";
+    line += value.toLatin1();
+    return line;
+}
+
+long long leadingNumber(const QString &text, bool *ok)
+{
+    const QString t = text.trimmed();
+    int i = 0;
+    bool negative = false;
+    if (i < t.size() && (t[i] == QLatin1Char('-') || t[i] == QLatin1Char('+'))) {
+        negative = t[i] == QLatin1Char('-');
+        ++i;
+    }
+    const int digitsStart = i;
+    long long value = 0;
+    while (i < t.size() && t[i].isDigit() && value < 100000000000LL)
+        value = value * 10 + t[i++].digitValue();
+    if (ok)
+        *ok = i > digitsStart;
+    return negative ? -value : value;
+}
+
+std::optional<QString> normaliseValue(const ParameterSpec &spec, const QString &typed)
+{
+    const QString t = typed.trimmed();
+    switch (spec.kind) {
+    case ValueKind::Number: {
+        bool ok = false;
+        const long long v = leadingNumber(t, &ok);
+        if (!ok || v < spec.low || (spec.high != 0 && v > spec.high))
+            return std::nullopt;
+        return QString::number(v);
+    }
+    case ValueKind::OnOff: {
+        const QString u = t.toUpper();
+        if (u == QLatin1String("ON") || u == QLatin1String("OFF"))
+            return u;
+        return std::nullopt;
+    }
+    case ValueKind::Text:
+        if (t.isEmpty())
+            return std::nullopt;
+        return t.toUpper();
+    }
+    return std::nullopt;
+}
+
+} // namespace sim

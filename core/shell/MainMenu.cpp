@@ -1,0 +1,217 @@
+#include "MainMenu.h"
+
+#include "AppError.h"
+#include "CommControl.h"
+#include "ModemSession.h"
+#include "ProgrammingMenu.h"
+#include "Prompts.h"
+#include "Terminal.h"
+#include "WorkingFileOpen.h"
+#include "frmAbout.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPainter>
+#include <QPushButton>
+
+namespace {
+// The main menu's picture: the modem's name on a band of the product's colours.
+QPixmap menuPicture()
+{
+    QPixmap picture(360, 80);
+    picture.fill(QColor(0, 51, 102));
+    QPainter painter(&picture);
+    painter.setPen(Qt::white);
+    QFont font = painter.font();
+    font.setPointSize(20);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.drawText(picture.rect(), Qt::AlignCenter, QStringLiteral("Varnel Model Q40"));
+    return picture;
+}
+
+class BusyPointer
+{
+public:
+    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
+};
+} // namespace
+
+MainMenu::MainMenu(ModemSession &session, IniFile &ini, QWidget *parent)
+    : QMainWindow(parent), m_session(session), m_ini(ini)
+{
+    setObjectName(QStringLiteral("MainMenu"));
+    setWindowTitle(AppTitle() + QStringLiteral(" - Main Menu"));
+
+    auto *central = new QWidget(this);
+    auto *grid = new QGridLayout(central);
+    Image1 = new QLabel(central);
+    Image1->setObjectName(QStringLiteral("Image1"));
+    Image1->setPixmap(menuPicture());
+    Image1->setAlignment(Qt::AlignCenter);
+    grid->addWidget(Image1, 0, 0, 1, 2);
+    setCentralWidget(central);
+
+    cmdStartOut = addCommand("cmdStartOut", QStringLiteral("Starting Out"),
+                             QStringLiteral("Basic Configuration of The Varnel"));
+    cmdDiags =
+        addCommand("cmdDiags", QStringLiteral("Diagnostics"), QStringLiteral("Verify Operation of Varnel"));
+    cmdVnlPrg = addCommand("cmdVnlPrg", QStringLiteral("Varnel Programming"),
+                           QStringLiteral("Programming the Varnel for Operation"));
+    cmdTermEm = addCommand("cmdTermEm", QStringLiteral("Terminal Emulation"),
+                           QStringLiteral("Direct Terminal to The Varnel"));
+    cmdProductInfo = addCommand("cmdProductInfo", QStringLiteral("Product Information"),
+                                QStringLiteral("Product Information"));
+    cmdExit = addCommand("cmdExit", QStringLiteral("Exit"), QStringLiteral("Exit the Utility"));
+    const QList<QPushButton *> buttons{cmdStartOut, cmdDiags, cmdVnlPrg, cmdTermEm, cmdProductInfo, cmdExit};
+    for (int i = 0; i < buttons.size(); ++i)
+        grid->addWidget(buttons[i], 1 + i / 2, i % 2);
+
+    QMenu *mnuFile = menuBar()->addMenu(QStringLiteral("&File"));
+    mnuFile->setObjectName(QStringLiteral("mnuFile"));
+    auto entry = [&](QMenu *menu, const char *name, const QString &caption, QPushButton *button) {
+        QAction *action = menu->addAction(caption);
+        action->setObjectName(QString::fromLatin1(name));
+        // A menu entry simply runs the handler of its button.
+        connect(action, &QAction::triggered, button, &QPushButton::click);
+        return action;
+    };
+    mnuStart = entry(mnuFile, "mnuStart", QStringLiteral("&Starting Out"), cmdStartOut);
+    mnuSurvey = entry(mnuFile, "mnuSurvey", QStringLiteral("&Diagnostics"), cmdDiags);
+    mnuProgram = entry(mnuFile, "mnuProgram", QStringLiteral("&Varnel Programming"), cmdVnlPrg);
+    mnuTermEm = entry(mnuFile, "mnuTermEm", QStringLiteral("&Terminal Emulation"), cmdTermEm);
+    mnuPI = entry(mnuFile, "mnuPI", QStringLiteral("&Product Information"), cmdProductInfo);
+    mnuLine = mnuFile->addSeparator();
+    mnuLine->setObjectName(QStringLiteral("mnuLine"));
+    mnuExit = entry(mnuFile, "mnuExit", QStringLiteral("E&xit the Program"), cmdExit);
+    QMenu *mnuHelp = menuBar()->addMenu(QStringLiteral("&Help"));
+    mnuHelp->setObjectName(QStringLiteral("mnuHelp"));
+    mnuAbout = mnuHelp->addAction(QStringLiteral("&About"));
+    mnuAbout->setObjectName(QStringLiteral("mnuAbout"));
+    connect(mnuAbout, &QAction::triggered, this, [this] { frmAbout(m_session.prompts(), this).exec(); });
+
+    connect(cmdStartOut, &QPushButton::clicked, this, &MainMenu::cmdStartOut_Click);
+    connect(cmdDiags, &QPushButton::clicked, this, &MainMenu::cmdDiags_Click);
+    connect(cmdVnlPrg, &QPushButton::clicked, this, &MainMenu::cmdVnlPrg_Click);
+    connect(cmdTermEm, &QPushButton::clicked, this, &MainMenu::cmdTermEm_Click);
+    connect(cmdProductInfo, &QPushButton::clicked, this, &MainMenu::cmdProductInfo_Click);
+    connect(cmdExit, &QPushButton::clicked, this, &MainMenu::cmdExit_Click);
+}
+
+MainMenu::~MainMenu()
+{
+    delete m_programming;
+    delete m_terminal;
+}
+
+Terminal *MainMenu::terminal() const
+{
+    return m_terminal;
+}
+
+ProgrammingMenu *MainMenu::programmingMenu() const
+{
+    return m_programming;
+}
+
+QPushButton *MainMenu::addCommand(const char *name, const QString &caption, const QString &toolTip)
+{
+    auto *button = new QPushButton(caption, centralWidget());
+    button->setObjectName(QString::fromLatin1(name));
+    button->setToolTip(toolTip);
+    button->setMinimumHeight(36);
+    return button;
+}
+
+void MainMenu::updateSections()
+{
+    cmdStartOut->setEnabled(bool(openStartingOut));
+    mnuStart->setEnabled(bool(openStartingOut));
+}
+
+void MainMenu::Load()
+{
+    updateSections();
+    m_session.IrDongleActive = false;
+    m_terminal = new Terminal(m_session, m_ini);
+    m_terminal->Load();
+    m_terminal->setVisible(false);
+}
+
+void MainMenu::sectionEnded()
+{
+    m_session.Comm1().setAutoProcess(CommControl::kAutoProcessTerminal);
+    setVisible(true);
+}
+
+void MainMenu::cmdStartOut_Click()
+{
+    if (!openStartingOut)
+        return;
+    BusyPointer busy;
+    openStartingOut();
+    setVisible(false);
+}
+
+void MainMenu::cmdDiags_Click()
+{
+    BusyPointer busy;
+    // A false result leaves the user here; the boxes of the entry routine have said why.
+    if (m_session.EnterCommandModeKeep() && openDiagnostics) {
+        openDiagnostics();
+        setVisible(false);
+    }
+}
+
+void MainMenu::cmdVnlPrg_Click()
+{
+    // No modem dialogue is needed to edit a command list.
+    if (!m_programming) {
+        m_programming = new ProgrammingMenu(m_session);
+        m_programming->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_programming, &ProgrammingMenu::returnedToMainMenu, this, &MainMenu::sectionEnded);
+        connect(m_programming, &ProgrammingMenu::aboutRequested, this,
+                [this] { frmAbout(m_session.prompts(), m_programming).exec(); });
+    }
+    m_programming->show();
+    setVisible(false);
+}
+
+void MainMenu::cmdTermEm_Click()
+{
+    CommControl &comm = m_session.Comm1();
+    m_terminal->setVisible(true);
+    comm.Input();
+    m_terminal->activateWindow();
+    // A carriage return makes the modem show a fresh prompt on the screen.
+    IgnoreErrors([&] { comm.Output(QByteArrayLiteral("\r")); });
+    comm.setAutoProcess(CommControl::kAutoProcessTerminal);
+    setVisible(false);
+}
+
+void MainMenu::cmdProductInfo_Click()
+{
+    QString root;
+    FindCdDrive(root);
+    const QString message = ProductInformationMessage(root);
+    if (!message.isEmpty())
+        m_session.prompts().MsgBox(message);
+}
+
+void MainMenu::cmdExit_Click()
+{
+    close();
+}
+
+void MainMenu::closeEvent(QCloseEvent *event)
+{
+    // Unloading the main menu unloads Terminal, which closes the port and saves the settings.
+    if (m_terminal)
+        m_terminal->Unload();
+    event->accept();
+    QApplication::quit();
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QPointer>
+#include <functional>
+
+class IniFile;
+class ModemSession;
+class QAction;
+class QLabel;
+class QPushButton;
+class Terminal;
+class ProgrammingMenu;
+
+// "Varnel Utility - Main Menu": six commands; one visible section at a time. The main menu loads the
+// hidden Terminal form, the carrier of the port, before anything else can run.
+class MainMenu : public QMainWindow
+{
+    Q_OBJECT
+public:
+    MainMenu(ModemSession &session, IniFile &ini, QWidget *parent = nullptr);
+    ~MainMenu() override;
+
+    // The load event: clears the adaptor flag and loads Terminal, hidden.
+    void Load();
+
+    Terminal *terminal() const;
+    ProgrammingMenu *programmingMenu() const;
+
+    // Sections built later hook in here; a button whose section is missing stays disabled.
+    std::function<void()> openStartingOut;
+    std::function<void()> openDiagnostics;
+
+    QLabel *Image1;
+    QPushButton *cmdStartOut;
+    QPushButton *cmdDiags;
+    QPushButton *cmdVnlPrg;
+    QPushButton *cmdTermEm;
+    QPushButton *cmdProductInfo;
+    QPushButton *cmdExit;
+    QAction *mnuStart;
+    QAction *mnuSurvey;
+    QAction *mnuProgram;
+    QAction *mnuTermEm;
+    QAction *mnuPI;
+    QAction *mnuLine;
+    QAction *mnuExit;
+    QAction *mnuAbout;
+
+    void cmdStartOut_Click();
+    void cmdDiags_Click();
+    void cmdVnlPrg_Click();
+    void cmdTermEm_Click();
+    void cmdProductInfo_Click();
+    void cmdExit_Click();
+
+    // A section hands back: the port goes back to the terminal and the main menu shows itself.
+    void sectionEnded();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    QPushButton *addCommand(const char *name, const QString &caption, const QString &toolTip);
+    void updateSections();
+
+    ModemSession &m_session;
+    IniFile &m_ini;
+    QPointer<Terminal> m_terminal;
+    QPointer<ProgrammingMenu> m_programming;
+};

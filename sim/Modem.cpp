@@ -666,6 +666,8 @@ bool Modem::setTableLine(QStringList &table, const QString &argument)
     if (comma < 0) {
         if (n <= table.size())
             table.removeAt(n - 1);
+        for (qsizetype i = n - 1; i < table.size(); ++i)
+            table[i] = QString::number(i + 1) + table[i].mid(table[i].indexOf(QLatin1Char(',')));
         return true;
     }
     const QString line = QString::number(n) + argument.mid(comma).remove(QLatin1Char(' '));

@@ -1,0 +1,147 @@
+#include "SimulatedModemLink.h"
+
+#include <QTest>
+
+using sim::Modem;
+using sim::Scenario;
+using sim::SimulatedModemLink;
+
+namespace {
+
+QByteArray exchange(SimulatedModemLink &link, const QByteArray &bytes, int waitMs = 1000)
+{
+    link.port().Input();
+    link.port().Output(bytes);
+    link.time().MsDelay(waitMs);
+    return link.port().Input();
+}
+
+QByteArray image(int blocks, const QByteArray &mark)
+{
+    QByteArray bytes;
+    for (int i = 0; i < blocks * 4096; ++i)
+        bytes.append(char((i * 7 + 3) & 0xff));
+    bytes.replace(100, mark.size(), mark);
+    return bytes;
+}
+
+// Sends one block a byte at a time, as the utility does, and waits for the loader's ENQ.
+bool sendBlock(SimulatedModemLink &link, const QByteArray &block)
+{
+    for (char c : block)
+        link.port().Output(QByteArray(1, c));
+    for (int pass = 0; pass < 80; ++pass) {
+        link.time().MsDelay(100);
+        if (link.port().Input().contains('\x05'))
+            return true;
+    }
+    return false;
+}
+
+Scenario at9600()
+{
+    Scenario s = Scenario::standard();
+    s.modems[0].settings = {{QStringLiteral("COMRATE"), QStringLiteral("41")}};
+    return s;
+}
+
+} // namespace
+
+class FlashLoaderTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void flashCommandEntersTheLoaderAtItsFixedRate()
+    {
+        SimulatedModemLink link(at9600());
+        link.port().setSettings(QStringLiteral("9600,n,8,1"));
+        const QByteArray atOldRate = exchange(link, "flash\r");
+        QVERIFY2(!atOldRate.contains("FLASH:"), atOldRate.toHex().constData());
+        QCOMPARE(link.local().mode(), Modem::Mode::Loader);
+        link.port().setSettings(QStringLiteral("19200,N,8,1"));
+        QCOMPARE(exchange(link, "\r"), QByteArray("\r\nFLASH:"));
+    }
+
+    void wholeExchangeInstallsTheImage()
+    {
+        SimulatedModemLink link;
+        QVERIFY(exchange(link, "flash\r").endsWith("FLASH:"));
+        const QByteArray file = image(2, "VERSION=2.10");
+        link.port().Output("\x01");
+        QVERIFY(sendBlock(link, file.left(4096)));
+        link.port().Output("\x02");
+        QVERIFY(sendBlock(link, file.mid(4096)));
+        link.port().Output("\x04");
+        link.time().MsDelay(2000);
+        const QByteArray banner = link.port().Input();
+        QVERIFY2(banner.contains("Unit Address"), banner.constData());
+        QVERIFY(banner.endsWith("CMD:"));
+        QCOMPARE(link.local().firmwareVersion(), QStringLiteral("2.10"));
+        QCOMPARE(link.truth().images.size(), 1);
+        QCOMPARE(link.truth().images[0].blocks, 2);
+        QCOMPARE(link.truth().images[0].bytes, file);
+        // A new system starts blank: identity and settings must be written back.
+        QCOMPARE(link.local().value(QStringLiteral("S/N")), QStringLiteral("0"));
+        exchange(link, "model Q4Y:option 64:s/n 14210\r");
+        exchange(link, "save\r");
+        exchange(link, "save 2\r");
+        exchange(link, "fa\r");
+        QCOMPARE(link.local().value(QStringLiteral("MODEL")), QStringLiteral("Q4Y"));
+        QCOMPARE(link.local().value(QStringLiteral("OPTION")), QStringLiteral("64"));
+    }
+
+    void oneBlockFileEndsWithEotAfterTheOnlyEnq()
+    {
+        SimulatedModemLink link;
+        exchange(link, "flash\r");
+        link.port().Output("\x01");
+        QVERIFY(sendBlock(link, image(1, "x")));
+        link.port().Output("\x04");
+        link.time().MsDelay(2000);
+        QVERIFY(link.local().hasOperatingSystem());
+        QCOMPARE(link.local().mode(), Modem::Mode::Command);
+    }
+
+    void enqComesOnlyAfterAWholeBlock()
+    {
+        SimulatedModemLink link;
+        exchange(link, "flash\r");
+        link.port().Output("\x01");
+        QVERIFY(!sendBlock(link, image(1, "x").left(4095)));
+    }
+
+    void returnToTheSystemWithR()
+    {
+        SimulatedModemLink link;
+        exchange(link, "flash\r");
+        QVERIFY(exchange(link, "r", 3000).endsWith("CMD:"));
+    }
+
+    void anAbandonedUploadLeavesNoOperatingSystem()
+    {
+        SimulatedModemLink link;
+        exchange(link, "flash\r");
+        link.port().Output("\x01");
+        QVERIFY(sendBlock(link, image(1, "x")));
+        // The upload stops here; the unit is reset.
+        link.local().reset();
+        link.time().MsDelay(200);
+        QVERIFY(!link.local().hasOperatingSystem());
+        QCOMPARE(link.port().Input(), QByteArray("\r\nFLASH:"));
+        const QByteArray afterR = exchange(link, "r", 3000);
+        QVERIFY2(!afterR.contains("CMD:"), afterR.constData());
+        QVERIFY(link.truth().images.isEmpty());
+    }
+
+    void aUnitWithoutSystemStartsInItsLoader()
+    {
+        Scenario s = Scenario::standard();
+        s.modems[0].operatingSystem = false;
+        SimulatedModemLink link(s);
+        QCOMPARE(exchange(link, "\r"), QByteArray("\r\nFLASH:"));
+        QVERIFY(!exchange(link, "\x03model\r").contains("MODEL"));
+    }
+};
+
+QTEST_GUILESS_MAIN(FlashLoaderTest)
+#include "FlashLoaderTest.moc"

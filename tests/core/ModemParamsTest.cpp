@@ -4,6 +4,7 @@
 #include "ModemSession.h"
 #include "ScriptedModem.h"
 #include "ScriptedPrompts.h"
+#include "SimulatedModemLink.h"
 #include "TextRules.h"
 #include "TimeSource.h"
 
@@ -71,6 +72,42 @@ struct Rig
                 .withButtons(MsgButtons::OkOnly);
     }
 };
+
+// A session on the simulated modem, its scenario adjusted before the link comes up.
+struct SimRig
+{
+    sim::SimulatedModemLink link;
+    ScriptedPrompts prompts{&link.time()};
+    ModemSession session{link.port(), link.time(), prompts};
+
+    explicit SimRig(const sim::Scenario &scenario = sim::Scenario::standard()) : link(scenario)
+    {
+        link.port().clearEvents();
+    }
+
+    QString truth(const char *command) { return link.local().value(QString::fromLatin1(command)); }
+
+    QStringList writes()
+    {
+        QStringList list;
+        for (const QByteArray &w : link.port().writes())
+            list << shownBytes(w);
+        return list;
+    }
+
+    void expectCutFailures(int count)
+    {
+        for (int i = 0; i < count; ++i)
+            prompts.expectMsgBox(AppErrorText(AppErrors::invalidProcedureCall())).withIcon(MsgIcon::Critical);
+    }
+};
+
+sim::Scenario scenarioWith(const QMap<QString, QString> &settings)
+{
+    sim::Scenario scenario = sim::Scenario::standard();
+    scenario.modems[0].settings = settings;
+    return scenario;
+}
 
 // Each reader run on a session, its results joined by "|" in the order of its arguments.
 using Reader = std::function<QString(ModemSession &)>;
@@ -182,6 +219,15 @@ private slots:
     void inoutReadsBitTwo_data();
     void inoutReadsBitTwo();
     void routeLineWithoutEndKeepsEarlierRoutes();
+
+    void simIdentityOfTheUnit();
+    void simFactoryEchoSpoilsTheVersionCut();
+    void simConfigurationAndTiming();
+    void simSquelchAndLatches();
+    void simRoutesBecomeCommands();
+    void simQuietChannelReadsClosed();
+    void simDeadModem();
+    void simOverTheAdaptor();
 
     void optionsPackAndUnpack();
     void optionBits();
@@ -662,6 +708,163 @@ void ModemParamsTest::frameToSwitches()
     QFETCH(bool, eightBits);
     QFETCH(bool, odd);
     QCOMPARE(FrameToSwitches(settings), (std::array<bool, 4>{twoStopBits, parity, eightBits, odd}));
+}
+
+void ModemParamsTest::simIdentityOfTheUnit()
+{
+    sim::Scenario scenario = scenarioWith({{QStringLiteral("ECHO"), QStringLiteral("OFF")}});
+    scenario.modems[0].model = QStringLiteral("Q4Y");
+    scenario.modems[0].option = 34;
+    scenario.modems[0].serial = 11000;
+    scenario.modems[0].version = QStringLiteral("2.07");
+    SimRig rig(scenario);
+    QString model, version, option, serial, network;
+    ReadModelInfo(rig.session, model, version, option);
+    ReadSerialNumber(rig.session, serial);
+    ReadNetworkId(rig.session, network);
+    QCOMPARE(model, QStringLiteral("Q4Y"));
+    QCOMPARE(version, QStringLiteral("2.07"));
+    QCOMPARE(option, QStringLiteral("34"));
+    QCOMPARE(serial, QStringLiteral("11000"));
+    QCOMPARE(network, rig.truth("NETWORK"));
+    QCOMPARE(rig.writes(), split("Model\\r|Option\\r|Version\\r|s/n\\r|net\\r"));
+    QVERIFY(rig.prompts.verify());
+}
+
+void ModemParamsTest::simFactoryEchoSpoilsTheVersionCut()
+{
+    // With the factory echo the version reply begins "Version" and its return, so the line end
+    // searched from where "MODEL" stood behind the shorter echo "Model" comes before the value.
+    SimRig rig;
+    rig.expectCutFailures(1);
+    QString model, version, option;
+    ReadModelInfo(rig.session, model, version, option);
+    QCOMPARE(model, rig.link.local().model());
+    QCOMPARE(option, rig.truth("OPTION"));
+    QCOMPARE(version, QString());
+    QVERIFY(rig.prompts.verify());
+}
+
+void ModemParamsTest::simConfigurationAndTiming()
+{
+    SimRig rig(scenarioWith({{QStringLiteral("ADDRESS"), QStringLiteral("12")},
+                             {QStringLiteral("SETCONNECT"), QStringLiteral("40,41,12")},
+                             {QStringLiteral("ASQUELCH"), QStringLiteral("20")},
+                             {QStringLiteral("RFLOW"), QStringLiteral("ON")},
+                             {QStringLiteral("RXMARK"), QStringLiteral("5")},
+                             {QStringLiteral("RFPOWER"), QStringLiteral("1")},
+                             {QStringLiteral("DATARATE"), QStringLiteral("64")},
+                             {QStringLiteral("RXDATA"), QStringLiteral("3")},
+                             {QStringLiteral("TXFLAG"), QStringLiteral("2")},
+                             {QStringLiteral("TXEND"), QStringLiteral("4")},
+                             {QStringLiteral("FRACK"), QStringLiteral("60")}}));
+    QString address, setcon, asquelch, rflow, rxmark, comrate, rfpower;
+    ReadConfiguration(rig.session, address, setcon, asquelch, rflow, rxmark, comrate, rfpower);
+    QCOMPARE(address, QStringLiteral("12"));
+    QCOMPARE(setcon, QStringLiteral("40,41,12"));
+    QCOMPARE(asquelch, QStringLiteral("20"));
+    QCOMPARE(rflow, QStringLiteral("ON"));
+    QCOMPARE(rxmark, QStringLiteral("5"));
+    QCOMPARE(comrate, rig.truth("COMRATE"));
+    QCOMPARE(rfpower, QStringLiteral("1"));
+
+    QString datarate, rxdata, txflag, txend, frack;
+    ReadRadioTiming(rig.session, datarate, rxdata, txflag, txend, frack);
+    QCOMPARE((QStringList{datarate, rxdata, txflag, txend, frack}),
+             (QStringList{QStringLiteral("64"), QStringLiteral("3"), QStringLiteral("2"), QStringLiteral("4"),
+                          QStringLiteral("60")}));
+    QVERIFY(rig.prompts.verify());
+    QCOMPARE(rig.writes(),
+             split("add\\r|setc\\r|asquelch\\r|rflow\\r|rxmark\\r|rfp\\r|comrate\\r|datarate\\r|rxd\\r|"
+                   "txf\\r|txe\\r|frack\\r"));
+}
+
+void ModemParamsTest::simSquelchAndLatches()
+{
+    SimRig rig(scenarioWith({{QStringLiteral("SQUELCH"), QStringLiteral("44")},
+                             {QStringLiteral("ASQUELCH"), QStringLiteral("9")},
+                             {QStringLiteral("SEL/A1"), QStringLiteral("60")},
+                             {QStringLiteral("SEL/N1"), QStringLiteral("47616")},
+                             {QStringLiteral("SEL/N2"), QStringLiteral("0")}}));
+    double squelch = -1, asquelch = -1;
+    ReadSquelch(rig.session, squelch);
+    ReadAsquelch(rig.session, asquelch);
+    QCOMPARE(squelch, 44.0);
+    QCOMPARE(asquelch, 9.0);
+    double a1 = -1, n1 = -1, n2 = -1, latchSquelch = -1;
+    ReadLatches(rig.session, a1, n1, n2, latchSquelch);
+    QCOMPARE(a1, 60.0);
+    QCOMPARE(n1, 47616.0);
+    QCOMPARE(n2, 0.0);
+    QCOMPARE(latchSquelch, 44.0);
+    QVERIFY(rig.prompts.verify());
+    QCOMPARE(rig.writes(), split("Squelch\\r|asquelch\\r|sel/a1\\r|sel/n1\\r|sel/n2\\r|squelch\\r"));
+}
+
+void ModemParamsTest::simRoutesBecomeCommands()
+{
+    sim::Scenario scenario = sim::Scenario::standard();
+    scenario.modems[0].routes = {QStringLiteral("1,5,"), QStringLiteral("2,40,41,12")};
+    scenario.modems[0].appends = {QStringLiteral("1,1,25,28,*")};
+    SimRig rig(scenario);
+    QStringList commands;
+    ReadRoutes(rig.session, commands);
+    QCOMPARE(commands, (QStringList{QStringLiteral("ROUTE 1,5,"), QStringLiteral("ROUTE 2,40,41,12"),
+                                    QStringLiteral("APPEND 1,1,25,28,*")}));
+    QVERIFY(rig.prompts.verify());
+}
+
+void ModemParamsTest::simQuietChannelReadsClosed()
+{
+    SimRig rig;
+    QVERIFY(!ReadInout(rig.session));
+    QCOMPARE(rig.writes(), split("inout 0,5\\r"));
+    QVERIFY(rig.prompts.verify());
+}
+
+void ModemParamsTest::simDeadModem()
+{
+    sim::Scenario scenario = sim::Scenario::standard();
+    scenario.modems[0].dead = true;
+    SimRig rig(scenario);
+    rig.expectCutFailures(3);
+    QString model, version, option;
+    ReadModelInfo(rig.session, model, version, option);
+    QCOMPARE((QStringList{model, version, option}), (QStringList{QString(), QString(), QString()}));
+    QCOMPARE(rig.link.time().elapsedMs(), 15300);
+    QVERIFY(rig.prompts.verify());
+
+    rig.expectCutFailures(4);
+    double a1 = 0, n1 = 0, n2 = 0, squelch = 0;
+    ReadLatches(rig.session, a1, n1, n2, squelch);
+    QCOMPARE((QList<double>{a1, n1, n2, squelch}), (QList<double>{0, 0, 0, 0}));
+    QCOMPARE(rig.link.time().elapsedMs(), 15300 + 4 * 5100);
+    QVERIFY(rig.prompts.verify());
+}
+
+void ModemParamsTest::simOverTheAdaptor()
+{
+    sim::Scenario scenario = scenarioWith({{QStringLiteral("SQUELCH"), QStringLiteral("44")}});
+    scenario.irAdaptor = true;
+    SimRig rig(scenario);
+    rig.session.InitIrDongle();
+    QVERIFY(rig.session.IrDongleActive);
+    rig.link.port().clearEvents();
+
+    // One character at a time gets through the adaptor.
+    double squelch = 0;
+    ReadSquelch(rig.session, squelch);
+    QCOMPARE(squelch, 44.0);
+    QCOMPARE(rig.writes(), slowed(split("squelch\\r")));
+    QVERIFY(rig.prompts.verify());
+
+    // The model information goes in one write all the same, and the adaptor passes only the first
+    // character of each: the modem never sees a whole command and stays silent.
+    rig.expectCutFailures(3);
+    QString model, version, option;
+    ReadModelInfo(rig.session, model, version, option);
+    QCOMPARE((QStringList{model, version, option}), (QStringList{QString(), QString(), QString()}));
+    QVERIFY(rig.prompts.verify());
 }
 
 QTEST_GUILESS_MAIN(ModemParamsTest)

@@ -1,6 +1,10 @@
 #include "CalcFreq.h"
 #include "AppError.h"
+#include "MemoryCommControl.h"
+#include "ModemParams.h"
+#include "ModemSession.h"
 #include "ScriptedPrompts.h"
+#include "SimulatedModemLink.h"
 #include "TextRules.h"
 
 #include <QTest>
@@ -49,6 +53,8 @@ private slots:
     void overflowThrows_data();
     void overflowThrows();
     void overflowReachesTheStandardBox();
+    void latchesSentToTheModemReadBackAsTheFrequency_data();
+    void latchesSentToTheModemReadBackAsTheFrequency();
 };
 
 void CalcFreqTest::workedExamplesForward_data()
@@ -487,6 +493,55 @@ void CalcFreqTest::overflowReachesTheStandardBox()
     QVERIFY(prompts.shownTexts().constFirst().contains(QStringLiteral("6 = Overflow")));
     // Just below the limit the arithmetic runs.
     QVERIFY(Attempt(prompts, [&] { FreqToLatchesB(QStringLiteral("2057"), 0, a1, n1); }));
+}
+
+void CalcFreqTest::latchesSentToTheModemReadBackAsTheFrequency_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<int>("option");
+    QTest::addColumn<int>("serial");
+    QTest::addColumn<QString>("frequency");
+    QTest::addColumn<LatchScheme>("scheme");
+    QTest::newRow("old case Q4Y") << "Q4Y" << 0 << 5000 << "150.0125" << LatchScheme::A;
+    QTest::newRow("old case Q4U") << "Q4U" << 0 << 9000 << "463.2125" << LatchScheme::A;
+    QTest::newRow("new case Q4U") << "Q4U" << 0 << 14210 << "463.2125" << LatchScheme::B;
+    QTest::newRow("new case Q4Y, 5 kHz") << "Q4Y" << kBit5 << 14210 << "150.015" << LatchScheme::B;
+    QTest::newRow("SA8026 Q4Y, fractional n1") << "Q4Y" << 2 << 14210 << "150.0125" << LatchScheme::C;
+    QTest::newRow("SA8026 Q4U, fractional n1") << "Q4U" << 2 << 14210 << "463.2125" << LatchScheme::C;
+}
+
+void CalcFreqTest::latchesSentToTheModemReadBackAsTheFrequency()
+{
+    QFETCH(QString, model);
+    QFETCH(int, option);
+    QFETCH(int, serial);
+    QFETCH(QString, frequency);
+    QFETCH(LatchScheme, scheme);
+
+    sim::Scenario scenario = sim::Scenario::standard();
+    scenario.modems[0].model = model;
+    scenario.modems[0].option = option;
+    scenario.modems[0].serial = serial;
+    sim::SimulatedModemLink link(scenario);
+    ScriptedPrompts prompts(&link.time());
+    ModemSession session(link.port(), link.time(), prompts);
+
+    QCOMPARE(ChooseLatchScheme(option, serial), scheme);
+    double a1 = 0, n1 = 0, n2 = 0;
+    FreqToLatches(scheme, model, frequency, option, a1, n1, n2);
+    const QString line = QStringLiteral("Sel/N1 %1:Sel/A1 %2:Sel/N2 %3:Lat")
+                             .arg(numberText(n1), numberText(a1), numberText(n2));
+    session.SendCommand(line.toLatin1());
+    QVERIFY(session.WaitForReply("CMD:", 1000));
+
+    double readA1 = -1, readN1 = -1, readN2 = -1, squelch = -1;
+    ReadLatches(session, readA1, readN1, readN2, squelch);
+    QVERIFY(prompts.verify());
+    QCOMPARE(readA1, a1);
+    QCOMPARE(readN1, std::trunc(n1)); // the modem keeps the whole part of n1
+    QCOMPARE(readN2, n2);
+    const double back = LatchesToFreq(scheme, model, readA1, readN1, readN2, option);
+    QCOMPARE(QString::number(back, 'f', 4), QString::number(numericValue(frequency), 'f', 4));
 }
 
 QTEST_GUILESS_MAIN(CalcFreqTest)

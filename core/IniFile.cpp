@@ -1,11 +1,12 @@
 #include "IniFile.h"
 
+#include "WholeFile.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QList>
-#include <QSaveFile>
 #include <QStringDecoder>
 #include <algorithm>
 #include <limits>
@@ -244,11 +245,7 @@ void insertLine(IniDocument &document, qsizetype at, const QString &content, con
 void saveDocument(const QString &path, const IniDocument &document)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return;
-    file.write(encodeDocument(document));
-    file.commit();
+    WriteWholeFile(path, encodeDocument(document));
 }
 
 QString trimBlanks(const QString &text)

@@ -1,11 +1,12 @@
 #include "ProgramFile.h"
 
+#include "WholeFile.h"
+
 #include "AppError.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -137,15 +138,14 @@ ProgramFileContents ReadProgramFile(const QString &path)
 
 void WriteProgramFile(const QString &path, const QStringList &lines)
 {
-    QSaveFile file(path);
-    // Unbuffered, so that a failing write is seen here: a buffered one fails only while committing,
-    // and the commit then replaces the old file by what little was written.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+    switch (WriteWholeFile(path, ProgramFileText(lines))) {
+    case WholeFileResult::Written:
+        return;
+    case WholeFileResult::CannotOpen:
         if (!folderOf(path))
             throw AppError{ProgramFileErrors::PathNotFound, QStringLiteral("Path not found")};
         throw AppError{ProgramFileErrors::PathFileAccess, QStringLiteral("Path/File access error")};
-    }
-    const QByteArray text = ProgramFileText(lines);
-    if (file.write(text) != text.size() || !file.commit())
+    case WholeFileResult::WriteFailed:
         throw AppError{kDeviceIo, QStringLiteral("Device I/O error")};
+    }
 }

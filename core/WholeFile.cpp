@@ -1,0 +1,15 @@
+#include "WholeFile.h"
+
+#include <QSaveFile>
+
+WholeFileResult WriteWholeFile(const QString &path, const QByteArray &bytes)
+{
+    QSaveFile file(path);
+    // Unbuffered, so that a failing write is seen here: a buffered one fails only while committing,
+    // and the commit then replaces the old file by what little was written.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        return WholeFileResult::CannotOpen;
+    if (file.write(bytes) != bytes.size() || !file.commit())
+        return WholeFileResult::WriteFailed;
+    return WholeFileResult::Written;
+}

@@ -208,6 +208,8 @@ void SerialLine::toModem(const QByteArray &bytes, qint64 atUs)
 
 void SerialLine::fromModem(const QByteArray &bytes)
 {
+    if (m_hostSource)
+        m_host = m_hostSource();
     const LineSettings modemLine = m_modem.lineSettings();
     if (m_adaptor) {
         if (m_adaptor->state != Adaptor::State::Ready)

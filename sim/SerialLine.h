@@ -34,6 +34,9 @@ public:
     void setHangUp(std::function<void()> hangUp) { m_hangUp = std::move(hangUp); }
     void hostWrote(const QByteArray &bytes, const LineSettings &host);
     void hostLineSettings(const LineSettings &host) { m_host = host; }
+    // Where the computer's settings can be read at any moment (a pseudo-terminal's termios);
+    // without it the line knows them from the port's own reports.
+    void setHostSettingsSource(std::function<LineSettings()> source) { m_hostSource = std::move(source); }
     void hostControlLines(bool dtr, bool rts);
     LineSettings hostSettings() const { return m_host; }
 
@@ -67,6 +70,7 @@ private:
     LineSettings m_host{9600, 'N', 8, 1};
     std::function<void(const QByteArray &)> m_deliver;
     std::function<void()> m_hangUp;
+    std::function<LineSettings()> m_hostSource;
     qint64 m_toHostFreeUs = 0;
     qint64 m_toModemFreeUs = 0;
     Faults m_faults;

@@ -4,6 +4,7 @@
 #include "ModemSession.h"
 #include "ScriptedModem.h"
 #include "ScriptedPrompts.h"
+#include "SessionRig.h"
 #include "SimulatedModemLink.h"
 #include "TextRules.h"
 #include "TimeSource.h"
@@ -21,31 +22,13 @@ QString shownBytes(const QByteArray &bytes)
     return QString::fromLatin1(bytes).replace(QStringLiteral("\r"), QStringLiteral("\\r"));
 }
 
-struct Rig
+struct Rig : SessionRig
 {
-    VirtualTime time;
-    MemoryCommControl port;
-    ScriptedPrompts prompts{&time};
-    ScriptedModem modem{port, time};
-    ModemSession session{port, time, prompts};
-
-    Rig()
-    {
-        port.setPortOpen(true);
-        // The screen that calls a reader owns the port.
-        port.setAutoProcess(CommControl::kAutoProcessProgram);
-        port.clearEvents();
-    }
+    // The screen that calls a reader owns the port.
+    Rig() : SessionRig(CommControl::kAutoProcessProgram) {}
 
     // The writes, each as "ms:bytes" with the carriage return shown as "\r".
-    QStringList transcript() const
-    {
-        QStringList lines;
-        for (const WireEvent &e : port.events())
-            if (e.kind == WireEvent::Kind::Write)
-                lines << QStringLiteral("%1:%2").arg(e.atMs).arg(shownBytes(e.bytes));
-        return lines;
-    }
+    QStringList transcript() const { return SessionRig::transcript(shownBytes); }
 
     QStringList writes() const
     {

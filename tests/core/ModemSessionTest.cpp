@@ -3,6 +3,7 @@
 #include "MemoryCommControl.h"
 #include "ScriptedModem.h"
 #include "ScriptedPrompts.h"
+#include "SessionRig.h"
 #include "TimeSource.h"
 
 #include <QTest>
@@ -15,30 +16,17 @@ const QString kSwitchBox = QStringLiteral(
 const QString kLongFinal = QStringLiteral(
     "No Communication with the connected Varnel.  Verify all cable connections and try again.");
 
-struct Rig
+QString hexBytes(const QByteArray &bytes)
 {
-    VirtualTime time;
-    MemoryCommControl port;
-    ScriptedPrompts prompts{&time};
-    ScriptedModem modem{port, time};
-    ModemSession session{port, time, prompts};
+    return QString::fromLatin1(bytes.toHex(' '));
+}
 
-    Rig()
-    {
-        port.setPortOpen(true);
-        port.setAutoProcess(CommControl::kAutoProcessTerminal);
-        port.clearEvents();
-    }
+struct Rig : SessionRig
+{
+    Rig() : SessionRig(CommControl::kAutoProcessTerminal) {}
 
-    // The writes with the virtual time of each, as "ms:bytes".
-    QStringList transcript() const
-    {
-        QStringList lines;
-        for (const WireEvent &e : port.events())
-            if (e.kind == WireEvent::Kind::Write)
-                lines << QStringLiteral("%1:%2").arg(e.atMs).arg(QString::fromLatin1(e.bytes.toHex(' ')));
-        return lines;
-    }
+    // The writes with the virtual time of each, as "ms:bytes" in hexadecimal.
+    QStringList transcript() const { return SessionRig::transcript(hexBytes); }
 };
 
 QString hex(const char *text)

@@ -31,6 +31,7 @@ struct GroundTruth
         int to = 0;
         int retries = 0;
         bool delivered = false;
+        int bytes = 0; // payload
     };
     struct Image
     {

@@ -171,8 +171,8 @@ Network::Delivery Network::send(Modem &from, const QList<int> &route, int payloa
         d.durationMs += attemptMs + frackMs;
         at = m_time.elapsedMs() + d.durationMs;
     }
-    m_truth.packets.append(
-        {m_time.elapsedMs(), from.address(), route.isEmpty() ? 0 : route.last(), d.retries, d.delivered});
+    m_truth.packets.append({m_time.elapsedMs(), from.address(), route.isEmpty() ? 0 : route.last(), d.retries,
+                            d.delivered, payloadBytes});
     return d;
 }
 

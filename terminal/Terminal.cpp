@@ -1,18 +1,213 @@
 #include "Terminal.h"
 
 #include "AppError.h"
+#include "ButtonDef.h"
+#include "CaptureFile.h"
 #include "CommControl.h"
 #include "IniFile.h"
 #include "MWPort.h"
+#include "MWTerm.h"
 #include "ModemSession.h"
+#include "Prompts.h"
+#include "TermIntro.h"
+#include "TerminalScreen.h"
+#include "frmAbout.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int kCaptureStandard = int(CaptureMode::Standard);
+constexpr char kCtrlC = '\x03';
+
+// The hourglass while a modem dialogue runs; the normal pointer on every way out.
+class Hourglass
+{
+public:
+    Hourglass() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~Hourglass() { QApplication::restoreOverrideCursor(); }
+    Hourglass(const Hourglass &) = delete;
+    Hourglass &operator=(const Hourglass &) = delete;
+};
+
+QAction *menuEntry(QMenu *menu, const QString &name, const QString &caption, const QKeySequence &key = {})
+{
+    QAction *action = menu->addAction(caption);
+    action->setObjectName(name);
+    action->setShortcut(key);
+    return action;
+}
+
+QAction *separator(QMenu *menu, const QString &name)
+{
+    QAction *action = menu->addSeparator();
+    action->setObjectName(name);
+    return action;
+}
+
+QString clipboardText()
+{
+    return QGuiApplication::clipboard()->text();
+}
+
+} // namespace
 
 Terminal::Terminal(ModemSession &session, IniFile &ini, QWidget *parent)
     : QMainWindow(parent), m_session(session), m_ini(ini)
 {
     setObjectName(QStringLiteral("Terminal"));
+    buildScreen();
+    buildMenus();
+    hooksChanged();
 }
 
 Terminal::~Terminal() = default;
+
+void Terminal::buildScreen()
+{
+    auto *central = new QWidget(this);
+    auto *layout = new QVBoxLayout(central);
+    layout->setContentsMargins(4, 4, 4, 4);
+
+    Comm1Screen = new TerminalScreen(central);
+    Comm1Screen->attach(&Comm1());
+    layout->addWidget(Comm1Screen, 1, Qt::AlignHCenter);
+
+    Status = new QLabel(central);
+    Status->setObjectName(QStringLiteral("Status"));
+    Status->setFrameShape(QFrame::Panel);
+    Status->setFrameShadow(QFrame::Sunken);
+    Status->setTextFormat(Qt::PlainText);
+    layout->addWidget(Status);
+
+    auto *buttons = new QGridLayout;
+    for (int i = 0; i < kButtons; ++i) {
+        auto *button = new TagButton(central);
+        button->setObjectName(QStringLiteral("Btn(%1)").arg(i));
+        button->setAutoDefault(false);
+        button->setMinimumHeight(26);
+        buttons->addWidget(button, i / 5, i % 5);
+        connect(button, &QPushButton::clicked, this, [this, i] { Btn_Click(i); });
+        Btn[size_t(i)] = button;
+    }
+    layout->addLayout(buttons);
+    setCentralWidget(central);
+
+    connect(Comm1Screen, &TerminalScreen::KeyDown, this, &Terminal::Comm1_KeyDown);
+    connect(Comm1Screen, &TerminalScreen::KeyPress, this, &Terminal::Comm1_KeyPress);
+    connect(Comm1Screen, &TerminalScreen::DblClick, this, &Terminal::Comm1_DblClick);
+    connect(Comm1Screen, &TerminalScreen::bell, this, [this] { m_session.prompts().Beep(); });
+    connect(&Comm1(), &CommControl::received, this, &Terminal::Comm1_Receive);
+}
+
+void Terminal::buildMenus()
+{
+    MenuFile = menuBar()->addMenu(QStringLiteral("&File"));
+    MenuFile->setObjectName(QStringLiteral("MenuFile"));
+    m_mFile[1] = menuEntry(MenuFile, QStringLiteral("MFile(1)"), QStringLiteral("O&pen Capture File..."));
+    m_mFile[2] = menuEntry(MenuFile, QStringLiteral("MFile(2)"), QStringLiteral("C&lose Capture File"));
+    m_mFile[2]->setEnabled(false);
+    m_mFile[3] = separator(MenuFile, QStringLiteral("MFile(3)"));
+    m_mFile[4] = menuEntry(MenuFile, QStringLiteral("MFile(4)"), QStringLiteral("E&xit to Main Menu"));
+    for (const int i : {1, 2, 4})
+        connect(m_mFile[i], &QAction::triggered, this, [this, i] { MFile_Click(i); });
+
+    MenuEdit = menuBar()->addMenu(QStringLiteral("&Edit"));
+    MenuEdit->setObjectName(QStringLiteral("MenuEdit"));
+    m_mEdit[1] = menuEntry(MenuEdit, QStringLiteral("MEdit(1)"), QStringLiteral("&Copy"),
+                           QKeySequence(Qt::CTRL | Qt::Key_C));
+    m_mEdit[2] = menuEntry(MenuEdit, QStringLiteral("MEdit(2)"), QStringLiteral("&Paste"),
+                           QKeySequence(Qt::CTRL | Qt::Key_V));
+    for (const int i : {1, 2})
+        connect(m_mEdit[i], &QAction::triggered, this, [this, i] { MEdit_Click(i); });
+    connect(MenuEdit, &QMenu::aboutToShow, this, &Terminal::MenuEdit_Refresh);
+
+    mnuvnlsetup = menuBar()->addMenu(QStringLiteral("V&arnel  Setup"));
+    mnuvnlsetup->setObjectName(QStringLiteral("mnuvnlsetup"));
+    mnusetfreq = menuEntry(mnuvnlsetup, QStringLiteral("mnusetfreq"), QStringLiteral("Set Frequency/Squelch"),
+                           QKeySequence(Qt::Key_F1));
+    mnuDiag = menuEntry(mnuvnlsetup, QStringLiteral("mnuDiag"), QStringLiteral("Varnel Diagnostics"),
+                        QKeySequence(Qt::Key_F2));
+    mnudongle = menuEntry(mnuvnlsetup, QStringLiteral("mnudongle"), QStringLiteral("Initialize IR Dongle"),
+                          QKeySequence(Qt::Key_F3));
+    separator(mnuvnlsetup, QStringLiteral("mnudash1"));
+    mnutest = menuEntry(mnuvnlsetup, QStringLiteral("mnutest"), QStringLiteral("Test String"),
+                        QKeySequence(Qt::Key_F5));
+    mnuCtrlC = menuEntry(mnuvnlsetup, QStringLiteral("mnuCtrlC"), QStringLiteral("Ctrl-C: Disconnect"),
+                         QKeySequence(Qt::Key_F6));
+    separator(mnuvnlsetup, QStringLiteral("mnudash2"));
+    mnuFlash = menuEntry(mnuvnlsetup, QStringLiteral("mnuFlash"), QStringLiteral("Update Flash Memory"));
+    mnuSerialS =
+        menuEntry(mnuvnlsetup, QStringLiteral("mnuSerialS"), QStringLiteral("Configure Varnel Serial Port"));
+    separator(mnuvnlsetup, QStringLiteral("mnudash3"));
+    setQ40z = mnuvnlsetup->addMenu(QStringLiteral("Model Q40Z Settings"));
+    setQ40z->setObjectName(QStringLiteral("setQ40z"));
+    mnuPowerS = menuEntry(setQ40z, QStringLiteral("mnuPowerS"), QStringLiteral("Set Output Power Level"));
+    connect(mnusetfreq, &QAction::triggered, this, &Terminal::mnusetfreq_Click);
+    connect(mnuDiag, &QAction::triggered, this, &Terminal::mnuDiag_Click);
+    connect(mnudongle, &QAction::triggered, this, &Terminal::mnudongle_Click);
+    connect(mnutest, &QAction::triggered, this, &Terminal::mnutest_Click);
+    connect(mnuCtrlC, &QAction::triggered, this, &Terminal::mnuCtrlC_Click);
+    connect(mnuFlash, &QAction::triggered, this, [this] {
+        if (openFlashUpdate)
+            openFlashUpdate();
+    });
+    connect(mnuSerialS, &QAction::triggered, this, [this] {
+        if (openSerialRate)
+            openSerialRate();
+    });
+    connect(mnuPowerS, &QAction::triggered, this, [this] {
+        if (openPowerLevel)
+            openPowerLevel();
+    });
+
+    Menutermset = menuBar()->addMenu(QStringLiteral("&Terminal Setup"));
+    Menutermset->setObjectName(QStringLiteral("Menutermset"));
+    m_mSetup[1] = menuEntry(Menutermset, QStringLiteral("MSetup(1)"), QStringLiteral("&Port..."));
+    m_mSetup[2] =
+        menuEntry(Menutermset, QStringLiteral("MSetup(2)"), QStringLiteral("&Terminal Configuration..."));
+    MSetup4 = Menutermset->addMenu(QStringLiteral("&Buttons..."));
+    MSetup4->setObjectName(QStringLiteral("MSetup(4)"));
+    m_mSetup[4] = MSetup4->menuAction();
+    mnuButtonDef = menuEntry(MSetup4, QStringLiteral("mnuButtonDef"), QStringLiteral("Configure Buttons"));
+    for (int i = 0; i < kButtons; ++i) {
+        // Shift+F10 is left out on purpose: button 10 answers to Shift+F11.
+        const int functionKey = i < 9 ? Qt::Key_F1 + i : Qt::Key_F11;
+        m_mnuButton[size_t(i)] =
+            menuEntry(MSetup4, QStringLiteral("mnuButton(%1)").arg(i), QStringLiteral("Button %1").arg(i + 1),
+                      QKeySequence(Qt::SHIFT | Qt::Key(functionKey)));
+        connect(m_mnuButton[size_t(i)], &QAction::triggered, this, [this, i] { Btn_Click(i); });
+    }
+    m_mComm[4] = menuEntry(Menutermset, QStringLiteral("MComm(4)"), QStringLiteral("Clear the &Screen"));
+    for (const int i : {1, 2})
+        connect(m_mSetup[i], &QAction::triggered, this, [this, i] { MSetup_Click(i); });
+    connect(mnuButtonDef, &QAction::triggered, this, &Terminal::mnuButtonDef_Click);
+    connect(m_mComm[4], &QAction::triggered, this, [this] { MComm_Click(4); });
+
+    MenuHelp = menuBar()->addMenu(QStringLiteral("&Help"));
+    MenuHelp->setObjectName(QStringLiteral("MenuHelp"));
+    mnuhp = menuEntry(MenuHelp, QStringLiteral("mnuhp"), QStringLiteral("About"),
+                      QKeySequence(Qt::CTRL | Qt::Key_F1));
+    connect(mnuhp, &QAction::triggered, this, &Terminal::mnuhp_Click);
+}
+
+void Terminal::hooksChanged()
+{
+    mnusetfreq->setEnabled(bool(openChooseFreqType));
+    mnuDiag->setEnabled(bool(openDiagnostics));
+    mnuFlash->setEnabled(bool(openFlashUpdate));
+    mnuSerialS->setEnabled(bool(openSerialRate));
+    mnuPowerS->setEnabled(bool(openPowerLevel));
+}
 
 CommControl &Terminal::Comm1() const
 {
@@ -22,6 +217,7 @@ CommControl &Terminal::Comm1() const
 void Terminal::Load()
 {
     LoadAppSettings(m_ini, Settings);
+    applyButtons();
     MWPort port(m_session, m_ini, this);
     port.LoadPortSettings(Comm1());
     setPortTitle();
@@ -30,7 +226,7 @@ void Terminal::Load()
             Comm1().setPortOpen(true);
     });
     if (m_session.IrDongleActive)
-        m_session.InitIrDongle();
+        mnudongle_Click();
     m_loaded = true;
 }
 
@@ -39,15 +235,303 @@ void Terminal::Unload()
     if (!m_loaded)
         return;
     m_loaded = false;
+    emit aboutToUnload();
+    if (!Comm1Screen->CaptureFilename().isEmpty()) {
+        Comm1Screen->setCaptureFilename(QString());
+        m_session.prompts().Beep();
+        m_session.prompts().MsgBox(QStringLiteral("Capture File Closed"));
+    }
     IgnoreErrors([&] {
         if (Comm1().PortOpen())
             Comm1().setPortOpen(false);
     });
+    collectButtons();
     SaveAppSettings(m_ini, Settings);
     emit unloaded();
+}
+
+void Terminal::applyButtons()
+{
+    for (int i = 0; i < kButtons; ++i) {
+        const ButtonAssignment &assignment = Settings.buttons[size_t(i)];
+        Btn[size_t(i)]->setText(assignment.caption);
+        Btn[size_t(i)]->Tag = assignment.tag;
+        if (!assignment.caption.isEmpty())
+            m_mnuButton[size_t(i)]->setText(assignment.caption);
+    }
+}
+
+void Terminal::collectButtons()
+{
+    for (int i = 0; i < kButtons; ++i)
+        Settings.buttons[size_t(i)] = {Btn[size_t(i)]->text(), Btn[size_t(i)]->Tag};
 }
 
 void Terminal::setPortTitle()
 {
     setWindowTitle(QStringLiteral("COM%1:%2").arg(Comm1().CommPort()).arg(Comm1().Settings().toUpper()));
+}
+
+void Terminal::SetStatus(const QString &text)
+{
+    Status->setText((text.isEmpty() ? m_lastStatus : text) + u' ');
+    m_lastStatus = text;
+}
+
+void Terminal::FocusComm1()
+{
+    Comm1Screen->setFocus();
+}
+
+void Terminal::ShowTermIntro()
+{
+    if (Settings.hideIntro)
+        return;
+    TermIntro intro(this);
+    intro.exec();
+    Settings.hideIntro = intro.chkHide->isChecked();
+    FocusComm1();
+}
+
+void Terminal::OpenCapture(TerminalScreen &control, int mode)
+{
+    FileDialogRequest request;
+    request.kind = FileDialogRequest::Kind::Save;
+    request.title = QStringLiteral("Capture Filename");
+    request.filter = QStringLiteral("Text Files (*.TXT);;All Files (*.*)");
+    request.overwritePrompt = false;
+    QString name = m_session.prompts().FileDialog(request);
+    if (name.trimmed().isEmpty())
+        return;
+    // The dialog's default extension.
+    if (QFileInfo(name).suffix().isEmpty())
+        name += QStringLiteral(".TXT");
+    control.setCaptureMode(mode);
+    control.setCaptureFilename(name);
+    m_session.CaptureActive = true;
+    SetStatus(QStringLiteral("Capturing [") + CaptureModeName(mode) + QStringLiteral("] to ") + name);
+}
+
+void Terminal::CloseCapture(TerminalScreen &control)
+{
+    control.setCaptureFilename(QString());
+    SetStatus(QStringLiteral("Capture File Closed"));
+    m_session.CaptureActive = false;
+}
+
+void Terminal::MFile_Click(int index)
+{
+    switch (index) {
+    case 1:
+        Attempt(m_session.prompts(), [&] { OpenCapture(*Comm1Screen, kCaptureStandard); });
+        if (!Comm1Screen->CaptureFilename().isEmpty()) {
+            MFile(1)->setEnabled(false);
+            MFile(2)->setEnabled(true);
+        }
+        break;
+    case 2:
+        Attempt(m_session.prompts(), [&] { CloseCapture(*Comm1Screen); });
+        MFile(1)->setEnabled(true);
+        MFile(2)->setEnabled(false);
+        FocusComm1();
+        break;
+    case 4:
+        emit returnedToMainMenu();
+        hide();
+        break;
+    default:
+        break;
+    }
+}
+
+void Terminal::MEdit_Click(int index)
+{
+    if (index == 1) {
+        QClipboard *clipboard = QGuiApplication::clipboard();
+        clipboard->clear();
+        clipboard->setText(Comm1Screen->SelText());
+    } else if (index == 2) {
+        Attempt(m_session.prompts(), [&] { Comm1().Output(clipboardText().toLatin1()); });
+    }
+}
+
+void Terminal::MenuEdit_Refresh()
+{
+    MEdit(1)->setEnabled(Comm1Screen->SelLength() != 0);
+    const QMimeData *clip = QGuiApplication::clipboard()->mimeData();
+    MEdit(2)->setEnabled(clip && clip->hasText());
+}
+
+void Terminal::mnusetfreq_Click()
+{
+    if (!openChooseFreqType)
+        return;
+    Hourglass hourglass;
+    Comm1().setAutoProcess(CommControl::kAutoProcessProgram);
+    if (!m_session.EnterCommandMode()) {
+        Comm1().setAutoProcess(CommControl::kAutoProcessTerminal);
+        return;
+    }
+    openChooseFreqType();
+}
+
+void Terminal::mnuDiag_Click()
+{
+    if (!openDiagnostics)
+        return;
+    {
+        Hourglass hourglass;
+        if (!m_session.EnterCommandModeKeep())
+            return;
+        Comm1().setAutoProcess(CommControl::kAutoProcessProgram);
+        openDiagnostics();
+    }
+    hide();
+}
+
+void Terminal::mnudongle_Click()
+{
+    Comm1().setAutoProcess(CommControl::kAutoProcessProgram);
+    m_session.InitIrDongle();
+    if (m_session.IrDongleActive) {
+        setWindowTitle(QStringLiteral("COM%1: Using IR Dongle").arg(Comm1().CommPort()));
+        Attempt(m_session.prompts(), [&] { Comm1().Output(QByteArray(1, kCtrlC)); });
+    }
+    Comm1().setAutoProcess(CommControl::kAutoProcessTerminal);
+}
+
+void Terminal::sendByWay(const QByteArray &text)
+{
+    Attempt(m_session.prompts(), [&] {
+        if (m_session.IrDongleActive)
+            m_session.SendSlow(text);
+        else
+            Comm1().Output(text);
+    });
+}
+
+void Terminal::mnutest_Click()
+{
+    sendByWay(QByteArray(kTestString));
+}
+
+void Terminal::mnuCtrlC_Click()
+{
+    // The control character goes by itself, even through the adaptor, and the word a tenth of a
+    // second later.
+    Attempt(m_session.prompts(), [&] { Comm1().Output(QByteArray(1, kCtrlC)); });
+    m_session.MsDelay(100);
+    sendByWay(QByteArrayLiteral("Disconnect\r"));
+}
+
+void Terminal::MSetup_Click(int index)
+{
+    if (index == 1) {
+        Attempt(m_session.prompts(), [&] {
+            MWPort port(m_session, m_ini, this);
+            port.SetPortSettings(Comm1());
+        });
+        setPortTitle();
+    } else if (index == 2) {
+        Attempt(m_session.prompts(), [&] {
+            MWTerm settings(m_session, m_ini, this);
+            settings.SetTerminalSettings(*Comm1Screen);
+        });
+    }
+}
+
+void Terminal::openButtonDef(int index)
+{
+    ButtonDef dialog(Btn, index, this);
+    dialog.exec();
+}
+
+void Terminal::mnuButtonDef_Click()
+{
+    openButtonDef(0);
+}
+
+void Terminal::Btn_Click(int index)
+{
+    TagButton *button = Btn[size_t(index)];
+    if (button->Tag.isEmpty()) {
+        openButtonDef(index);
+        return;
+    }
+    // One write whatever AutoProcess is, never character by character.
+    Attempt(m_session.prompts(), [&] { Comm1().Output(button->Tag.toLatin1()); });
+    FocusComm1();
+}
+
+void Terminal::MComm_Click(int index)
+{
+    if (index != 4)
+        return;
+    Comm1Screen->setScreenText(QString());
+    Comm1Screen->setCursorRow(1);
+    Comm1Screen->setCursorCol(1);
+}
+
+void Terminal::mnuhp_Click()
+{
+    frmAbout about(m_session.prompts(), this);
+    about.exec();
+}
+
+void Terminal::Comm1_Receive()
+{
+    IgnoreErrors([&] { Comm1().Disp(Comm1().Input()); });
+}
+
+void Terminal::Comm1_KeyPress(int ascii)
+{
+    if (Comm1().AutoProcess() == CommControl::kAutoProcessProgram)
+        IgnoreErrors([&] { Comm1().Output(QByteArray(1, char(ascii))); });
+    if (ascii == 27)
+        m_session.EscPressed = true;
+}
+
+void Terminal::Comm1_KeyDown(int key, Qt::KeyboardModifiers shift)
+{
+    const bool withShift = shift & Qt::ShiftModifier;
+    const bool withCtrl = shift & Qt::ControlModifier;
+    const QString selection = Comm1Screen->SelText();
+    if (key == Qt::Key_Insert && withShift) {
+        IgnoreErrors([&] { Comm1().Output(clipboardText().toLatin1()); });
+    } else if (key == Qt::Key_Insert && withCtrl) {
+        // The keyboard copies leave out the selection's last character.
+        if (!selection.isEmpty())
+            QGuiApplication::clipboard()->setText(selection.chopped(1));
+    } else if (key == Qt::Key_Delete) {
+        if (withShift && !selection.isEmpty())
+            QGuiApplication::clipboard()->setText(selection.chopped(1));
+        if (!selection.isEmpty())
+            Comm1Screen->clearSelection();
+    }
+}
+
+void Terminal::Comm1_DblClick()
+{
+    if (!showModelOptions)
+        return;
+    {
+        Hourglass hourglass;
+        showModelOptions();
+    }
+    Comm1().setAutoProcess(CommControl::kAutoProcessTerminal);
+}
+
+void Terminal::keyPressEvent(QKeyEvent *event)
+{
+    // A key typed while a button has the focus goes to the screen and the modem.
+    const int ascii = KeyAscii(event->key(), event->modifiers(), event->text());
+    if (ascii < 0) {
+        QMainWindow::keyPressEvent(event);
+        return;
+    }
+    FocusComm1();
+    IgnoreErrors([&] {
+        if (Comm1().PortOpen())
+            Comm1().Output(QByteArray(1, char(ascii)));
+    });
 }

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "IniFile.h"
+#include "MemoryCommControl.h"
+#include "ModemSession.h"
+#include "ScriptedModem.h"
+#include "ScriptedPrompts.h"
+#include "TimeSource.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <functional>
+
+// Runs fn on the next modal dialog as soon as it is up.
+inline void whenModal(std::function<void(QWidget *)> fn)
+{
+    auto *timer = new QTimer;
+    QObject::connect(timer, &QTimer::timeout, [timer, fn] {
+        if (QWidget *modal = QApplication::activeModalWidget()) {
+            timer->stop();
+            timer->deleteLater();
+            fn(modal);
+        }
+    });
+    timer->start(0);
+}
+
+inline QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+}
+
+// The in-memory port, scripted modem and prompts, and a settings file with a complete port section,
+// so that the terminal loads without asking.
+struct TerminalRig
+{
+    QTemporaryDir dir;
+    IniFile ini{dir.filePath(QStringLiteral("VarnelUtil.INI"))};
+    VirtualTime time;
+    MemoryCommControl port;
+    ScriptedPrompts prompts{&time};
+    ScriptedModem modem{port, time};
+    ModemSession session{port, time, prompts};
+
+    explicit TerminalRig(const QByteArray &moreSettings = {})
+    {
+        QFile file(ini.path());
+        if (file.open(QIODevice::WriteOnly))
+            file.write("[Port_Phone]\r\nComm Port=2\r\nSettings=9600,N,8,1\r\nDTREnable=True\r\n"
+                       "RTSEnable=True\r\nHandshaking=0\r\n" +
+                       moreSettings);
+    }
+};

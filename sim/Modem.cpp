@@ -418,8 +418,6 @@ void Modem::runLine(const QString &line)
 void Modem::commandDone()
 {
     m_busy = false;
-    if (m_mode != Mode::Command)
-        return;
     // What was typed meanwhile sat in the receive buffer; take it now, in order.
     const QByteArray pending = m_pending;
     m_pending.clear();
@@ -746,13 +744,13 @@ void Modem::openLink(const QList<int> &route, bool programming)
             int delay = 0;
             const QByteArray answer = d.destination->remoteLine(QString(), &delay);
             send(le + answer);
-            m_busy = false;
+            commandDone();
             return;
         }
         m_mode = Mode::Converse;
         m_connectRoute = route;
-        m_busy = false;
         send(messages ? "*" + le : "*** CONNECTED TO " + QByteArray::number(route.last()) + le);
+        commandDone();
     });
 }
 
@@ -788,13 +786,13 @@ void Modem::remoteByte(char c)
         if (generation != m_generation || m_mode != Mode::Remote)
             return;
         if (!there.delivered) {
-            m_busy = false;
+            commandDone();
             return;
         }
         int thinkMs = 0;
         const QByteArray answer = there.destination->remoteLine(line, &thinkMs);
         if (answer.isEmpty()) {
-            m_busy = false;
+            commandDone();
             return;
         }
         schedule(thinkMs, [this, generation, answer] {
@@ -803,7 +801,7 @@ void Modem::remoteByte(char c)
             QList<int> back = m_remoteRoute;
             Modem *far = m_network->modemAt(back.last());
             if (!far) {
-                m_busy = false;
+                commandDone();
                 return;
             }
             // Back along the same repeaters, in the other order, to this unit.
@@ -816,11 +814,7 @@ void Modem::remoteByte(char c)
                     return;
                 if (home.delivered)
                     send(answer);
-                m_busy = false;
-                const QByteArray pending = m_pending;
-                m_pending.clear();
-                for (char p : pending)
-                    consoleByte(p);
+                commandDone();
             });
         });
     });

@@ -107,10 +107,10 @@ void ButtonDef::BtnCap_LostFocus()
         BtnNo->item(row)->setText(ButtonListEntry(row + 1, button->text()));
 }
 
-void ButtonDef::BtnText_Change()
+void ButtonDef::BtnText_Change(const QString &text)
 {
     if (TagButton *button = selectedButton())
-        button->Tag = BtnText->text() + (AddCr->isChecked() ? QString(kCr) : QString());
+        button->Tag = text + (AddCr->isChecked() ? QString(kCr) : QString());
 }
 
 void ButtonDef::AddCr_Click()

@@ -29,7 +29,7 @@ private:
     void BtnNo_Click();
     void BtnCap_Change();
     void BtnCap_LostFocus();
-    void BtnText_Change();
+    void BtnText_Change(const QString &text);
     void AddCr_Click();
     void Quit_Click();
     TagButton *selectedButton() const;

@@ -221,7 +221,8 @@ void TerminalScreen::scrollbackGrew(qint64 lines)
     }
     QScrollBar *bar = verticalScrollBar();
     const bool atBottom = bar->value() == bar->maximum();
-    const qint64 oldTop = topRow();
+    // The scroll bar still has the old count, the emulator already the new one.
+    const qint64 oldTop = qint64(bar->value()) - bar->maximum();
     updateScrollBar();
     if (atBottom || m_autoScroll != 0) {
         bar->setValue(bar->maximum());

@@ -199,6 +199,11 @@ void Modem::loadFactoryDefaults()
     };
 }
 
+bool Modem::locked() const
+{
+    return m_working.value(QStringLiteral("SECURITY")) != QLatin1String("0");
+}
+
 int Modem::address() const
 {
     return m_working.value(QStringLiteral("ADDRESS")).toInt();
@@ -452,6 +457,12 @@ bool Modem::execute(const QString &command, bool overAir, Outcome &out)
     if (const ParameterSpec *spec = findParameter(full))
         return executeParameter(*spec, argument, out);
 
+    const bool tableWrite =
+        (full == QLatin1String("ROUTE") || full == QLatin1String("APPEND")) && !argument.isEmpty();
+    if (locked() && (full == QLatin1String("FACTDEFT") || tableWrite)) {
+        out.text += "INVALID" + le;
+        return false;
+    }
     if (full == QLatin1String("FACTDEFT")) {
         // Factory values come back; the unit keeps its address and says so, which is how the
         // utility knows the command went through.
@@ -615,15 +626,28 @@ bool Modem::executeParameter(const ParameterSpec &spec, const QString &argument,
         out.text += "INVALID" + le;
         return false;
     }
+    const bool security = command == QLatin1String("SECURITY");
     if (argument.isEmpty()) {
-        const QString value = command == QLatin1String("VERSION") ? m_version : m_working.value(command);
+        // The security value itself is never shown: it is the key that unlocks the unit.
+        QString value = command == QLatin1String("VERSION") ? m_version : m_working.value(command);
+        if (security)
+            value = locked() ? QStringLiteral("ON") : QStringLiteral("OFF");
         out.text += valueLine(spec, value) + le;
         return true;
     }
     const auto value = normaliseValue(spec, argument);
-    if (!spec.writable || !value) {
+    if (!spec.writable || !value || (locked() && !security)) {
         out.text += "INVALID" + le;
         return false;
+    }
+    if (security && locked()) {
+        // Only the value that locked the unit unlocks it.
+        if (*value != m_working.value(command)) {
+            out.text += "INVALID" + le;
+            return false;
+        }
+        setWorking(command, QStringLiteral("0"));
+        return true;
     }
     setWorking(command, *value);
     return true;

@@ -64,6 +64,8 @@ public:
     const QStringList &routes() const { return m_routes; }
     const QStringList &appends() const { return m_appends; }
     int address() const;
+    // A security value is set: the unit refuses every change until the same value is given again.
+    bool locked() const;
     int networkId() const;
     QString
     channel() const; // "a1,n1,n2" of the latched synthesizer: two modems hear each other only on the same one

@@ -159,8 +159,10 @@ private slots:
         link.port().Input();
         link.port().Output("RXS ON\r");
         link.time().MsDelay(15000);
+        QVERIFY(link.local().signalStreaming());
         const QByteArray samples = link.port().Input();
         QVERIFY(send(link, "rxs off", "CMD:", 500));
+        QVERIFY(!link.local().signalStreaming());
         const QList<QByteArray> fields = samples.split(',');
         QVERIFY2(fields.size() > 40, samples.constData());
         int highest = 0;
@@ -208,6 +210,10 @@ private slots:
                      "\x03"
                      "Disc",
                      "CMD:", 500));
+        // Only a restart ends the mode.
+        QVERIFY(link.local().dataQualityMode());
+        QVERIFY(send(link, "RESET", "CMD:", 1000));
+        QVERIFY(!link.local().dataQualityMode());
     }
 
     void connectToNobodyFailsWithoutAStar()

@@ -185,6 +185,23 @@ private slots:
         QVERIFY(reply.contains("Copyright"));
     }
 
+    void securityValueLocksTheUnitUntilGivenAgain()
+    {
+        SimulatedModemLink link;
+        exchange(link, "SECURITY 4711\r");
+        QVERIFY(link.local().locked());
+        QCOMPARE(exchange(link, "squelch 50\r"), QByteArray("squelch 50\r\nINVALID\r\nCMD:"));
+        QCOMPARE(exchange(link, "FA\r"), QByteArray("FA\r\nINVALID\r\nCMD:"));
+        QCOMPARE(exchange(link, "ROUTE 1,5,\r"), QByteArray("ROUTE 1,5,\r\nINVALID\r\nCMD:"));
+        // Reading goes on, and the value is not given away.
+        QVERIFY(exchange(link, "squelch\r").contains("SQUELCH  = 30\r"));
+        QVERIFY(exchange(link, "security\r").contains("SECURITY = ON\r"));
+        QCOMPARE(exchange(link, "SECURITY 1234\r"), QByteArray("SECURITY 1234\r\nINVALID\r\nCMD:"));
+        exchange(link, "SECURITY 4711\r");
+        QVERIFY(!link.local().locked());
+        QCOMPARE(exchange(link, "squelch 50\r"), QByteArray("squelch 50\r\nCMD:"));
+    }
+
     void comrateIsUnknownToTheOldCase()
     {
         Scenario s = Scenario::standard();

@@ -44,6 +44,7 @@ struct TermCell
     {
         return fg == other.fg && bg == other.bg && attrs == other.attrs;
     }
+    bool operator==(const TermCell &) const = default;
 };
 
 // The TTY emulation is a glass teletype: printable text, CR, LF, BS, TAB and BEL pass, every other
@@ -81,6 +82,7 @@ public:
     // Queues bytes as received from the port.
     void write(QByteArrayView bytes);
     bool hasPending() const { return m_pendingStart < m_pending.size(); }
+    qsizetype pendingBytes() const { return m_pending.size() - m_pendingStart; }
     // Interprets at most maxBytes of what is queued (after the plain-text shortcut); returns whether
     // something is left for the next call.
     bool process(qsizetype maxBytes = -1);

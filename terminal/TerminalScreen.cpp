@@ -4,6 +4,7 @@
 #include "CommControl.h"
 #include "TermPalette.h"
 
+#include <QGlyphRun>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -11,17 +12,24 @@
 #include <QScrollBar>
 
 #include <chrono>
+#include <cstring>
 
 using namespace std::chrono_literals;
 
 namespace {
 
-// Received text is shown at this pace at most: fast enough to feel immediate, slow enough that a
-// fast stream costs a few repaints a second rather than one per arrival.
-constexpr auto kRepaintInterval = 20ms;
+// Received text is shown this long after it arrives: soon enough to feel immediate, late enough
+// that a burst is shown once rather than once per arrival.
+constexpr auto kRepaintDelay = 20ms;
+// A steady stream is shown at this pace at most, so that a modem talking at full speed costs a few
+// repaints a second rather than one per line.
+constexpr auto kRepaintGap = 100ms;
 // What one turn of the event loop interprets at most when the shortcut for plain text cannot help,
 // so that a flood of escape sequences never holds the window still.
 constexpr qsizetype kSliceBytes = 256 * 1024;
+// A flood is interpreted as it comes once this much waits, so that what is queued stays small
+// however fast the port delivers.
+constexpr qsizetype kMostPending = 1024 * 1024;
 
 const QLatin1String kLineEnd("\r\n");
 
@@ -90,6 +98,8 @@ TerminalScreen::TerminalScreen(QWidget *parent) : QAbstractScrollArea(parent)
     updateMetrics();
 
     m_emu.setScrollLimit(kDefaultScrollRows);
+    m_clock.start();
+    m_lastProcessMs = -kRepaintGap.count();
     m_repaint.setSingleShot(true);
     connect(&m_repaint, &QTimer::timeout, this, [this] { process(kSliceBytes); });
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -117,19 +127,19 @@ void TerminalScreen::setEmulation(int emulation)
 void TerminalScreen::setForeColor(int index)
 {
     m_foreColor = index;
-    viewport()->update();
+    restyle();
 }
 
 void TerminalScreen::setBackColor(int index)
 {
     m_backColor = index;
-    viewport()->update();
+    restyle();
 }
 
 void TerminalScreen::setColorFilter(int filter)
 {
     m_colorFilter = filter;
-    viewport()->update();
+    restyle();
 }
 
 void TerminalScreen::setScrollRows(int lines)
@@ -142,7 +152,7 @@ void TerminalScreen::setScrollRows(int lines)
 void TerminalScreen::setCursorType(int type)
 {
     m_cursorType = type;
-    viewport()->update();
+    restyle();
 }
 
 void TerminalScreen::setAutoSize(bool on)
@@ -171,15 +181,23 @@ void TerminalScreen::receive(const QByteArray &bytes)
     const QByteArray shown = shownBytes(bytes);
     m_capture.write(bytes, shown);
     m_emu.write(shown);
-    if (!m_repaint.isActive())
-        m_repaint.start(kRepaintInterval);
+    if (m_emu.pendingBytes() > kMostPending)
+        process(kSliceBytes);
+    scheduleRepaint();
 }
 
 void TerminalScreen::display(QByteArrayView bytes)
 {
     m_emu.write(shownBytes(bytes.toByteArray()));
-    if (!m_repaint.isActive())
-        m_repaint.start(kRepaintInterval);
+    scheduleRepaint();
+}
+
+void TerminalScreen::scheduleRepaint()
+{
+    if (m_repaint.isActive())
+        return;
+    const auto sinceLast = std::chrono::milliseconds(m_clock.elapsed() - m_lastProcessMs);
+    m_repaint.start(std::max<std::chrono::milliseconds>(kRepaintDelay, kRepaintGap - sinceLast));
 }
 
 void TerminalScreen::flush()
@@ -191,6 +209,7 @@ void TerminalScreen::flush()
 void TerminalScreen::process(qsizetype maxBytes)
 {
     const bool more = m_emu.process(maxBytes);
+    m_lastProcessMs = m_clock.elapsed();
     m_capture.flush();
     const QByteArray reply = m_emu.takeOutput();
     if (!reply.isEmpty() && m_port && m_port->AutoProcess() == CommControl::kAutoProcessTerminal)
@@ -328,6 +347,7 @@ void TerminalScreen::relayout(int rows, int columns)
         text.chop(kLineEnd.size());
     m_emu.clearScreen();
     m_emu.setSize(rows, columns);
+    m_rowCache.clear();
     clearSelection();
     display(text.toUtf8());
     flush();
@@ -350,15 +370,6 @@ void TerminalScreen::select(int fromRow, int fromColumn, int toRow, int toColumn
     m_selAnchor = {fromRow, std::clamp(fromColumn, 0, Columns())};
     m_selEnd = {toRow, std::clamp(toColumn, 0, Columns())};
     viewport()->update();
-}
-
-bool TerminalScreen::selected(int row, int column) const
-{
-    if (m_selAnchor == m_selEnd)
-        return false;
-    const CellPos p{row, column};
-    const auto [from, to] = std::minmax(m_selAnchor, m_selEnd);
-    return from <= p && p < to;
 }
 
 QString TerminalScreen::SelText() const
@@ -397,6 +408,46 @@ void TerminalScreen::updateMetrics()
         variant.setStrikeOut(i & 8);
         m_fonts[i] = variant;
     }
+    for (size_t i = 0; i < m_faces.size(); ++i)
+        m_faces[i] = Face{QRawFont::fromFont(m_fonts[(i & 1) | ((i & 2) ? 4 : 0)]), {}};
+}
+
+void TerminalScreen::drawChars(QPainter &painter, int x, const std::u32string &chars, quint8 attrs) const
+{
+    Face &face = m_faces[size_t(((attrs & TermCell::Bold) ? 1 : 0) | ((attrs & TermCell::Italic) ? 2 : 0))];
+    QList<quint32> glyphs;
+    QList<QPointF> positions;
+    glyphs.reserve(qsizetype(chars.size()));
+    positions.reserve(qsizetype(chars.size()));
+    bool complete = face.raw.isValid();
+    for (size_t i = 0; complete && i < chars.size(); ++i) {
+        auto found = face.glyphs.constFind(chars[i]);
+        if (found == face.glyphs.cend()) {
+            const QString text = QString::fromUcs4(&chars[i], 1);
+            quint32 glyph = 0;
+            int count = 1;
+            if (!face.raw.glyphIndexesForChars(text.constData(), int(text.size()), &glyph, &count) ||
+                count != 1)
+                glyph = 0;
+            found = face.glyphs.insert(chars[i], glyph);
+        }
+        complete = *found != 0 || chars[i] == U' ';
+        glyphs << *found;
+        positions << QPointF(qreal(i) * m_cellWidth, m_ascent);
+    }
+    if (!complete) {
+        // A character the font lacks: the text engine finds it in a fallback font.
+        painter.setFont(fontFor(attrs));
+        painter.drawText(x, m_ascent, QString::fromUcs4(chars.data(), qsizetype(chars.size())));
+        return;
+    }
+    QGlyphRun run;
+    run.setRawFont(face.raw);
+    run.setGlyphIndexes(glyphs);
+    run.setPositions(positions);
+    run.setUnderline(attrs & TermCell::Underline);
+    run.setStrikeOut(attrs & TermCell::Strike);
+    painter.drawGlyphRun(QPointF(x, 0), run);
 }
 
 const QFont &TerminalScreen::fontFor(quint8 attrs) const
@@ -417,7 +468,7 @@ void TerminalScreen::changeEvent(QEvent *event)
     if (event->type() == QEvent::FontChange) {
         updateMetrics();
         updateGeometry();
-        viewport()->update();
+        restyle();
     }
 }
 
@@ -438,77 +489,163 @@ void TerminalScreen::scrollContentsBy(int, int)
     viewport()->update();
 }
 
-void TerminalScreen::paintEvent(QPaintEvent *event)
+TerminalScreen::RowLook TerminalScreen::rowLook(int row) const
 {
-    QPainter painter(viewport());
+    RowLook look;
+    m_emu.rowCells(row, look.cells);
+    if (m_selAnchor != m_selEnd) {
+        const auto [from, to] = std::minmax(m_selAnchor, m_selEnd);
+        if (row >= from.row && row <= to.row) {
+            look.selFrom = row == from.row ? from.column : 0;
+            look.selTo = row == to.row ? to.column : Columns();
+        }
+    }
+    if (row == m_emu.cursorRow() && m_emu.cursorVisible())
+        look.cursorColumn = m_emu.cursorColumn();
+    return look;
+}
+
+const QImage &TerminalScreen::rowImage(RowLook &&look)
+{
+    size_t hash = qHashMulti(0, look.selFrom, look.selTo, look.cursorColumn);
+    for (const TermCell &cell : look.cells)
+        hash = qHashMulti(hash, uint(cell.ch), cell.fg.value, cell.bg.value, cell.attrs);
+    ++m_paintCount;
+    for (CachedRow &cached : m_rowCache) {
+        if (cached.hash == hash && cached.look == look) {
+            cached.used = m_paintCount;
+            return cached.image;
+        }
+    }
+    const size_t capacity = size_t(2 * Rows() + 8);
+    auto slot = m_rowCache.end();
+    if (m_rowCache.size() >= capacity)
+        slot = std::min_element(m_rowCache.begin(), m_rowCache.end(),
+                                [](const CachedRow &a, const CachedRow &b) { return a.used < b.used; });
+    if (slot == m_rowCache.end()) {
+        m_rowCache.emplace_back();
+        slot = m_rowCache.end() - 1;
+    }
+    const qreal ratio = devicePixelRatioF();
+    const QSize size(qRound(Columns() * m_cellWidth * ratio), qRound(m_cellHeight * ratio));
+    // An evicted row's picture is painted over rather than allocated anew.
+    if (slot->image.size() != size || slot->image.devicePixelRatio() != ratio) {
+        slot->image = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        slot->image.setDevicePixelRatio(ratio);
+    }
+    renderRow(slot->image, look);
+    slot->hash = hash;
+    slot->look = std::move(look);
+    slot->used = m_paintCount;
+    return slot->image;
+}
+
+const QImage &TerminalScreen::cellImage(const GlyphKey &key) const
+{
+    if (const auto found = m_cells.constFind(key); found != m_cells.cend())
+        return *found;
+    // Many colours and characters make many cells; start afresh rather than grow without end.
+    constexpr qsizetype kMostCells = 4096;
+    if (m_cells.size() >= kMostCells)
+        m_cells.clear();
+    const qreal ratio = devicePixelRatioF();
+    const int width = qRound(m_cellWidth * ratio) * (key.wide ? 2 : 1);
+    QImage image(width, qRound(m_cellHeight * ratio), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
+    image.fill(QColor(key.bg));
+    if (key.ch != U' ' || (key.attrs & (TermCell::Underline | TermCell::Strike))) {
+        QPainter painter(&image);
+        painter.setPen(QColor(key.fg));
+        drawChars(painter, 0, std::u32string(1, key.ch), key.attrs);
+    }
+    return *m_cells.insert(key, std::move(image));
+}
+
+void TerminalScreen::renderRow(QImage &image, const RowLook &look) const
+{
     const auto filter = ColorFilterFromNumber(m_colorFilter);
     const QColor defaultFg = PaletteColor(m_foreColor);
     const QColor defaultBg = PaletteColor(m_backColor);
+    const std::vector<TermCell> &cells = look.cells;
+    const int columns = int(cells.size());
+    const int cellBytes = qRound(m_cellWidth * image.devicePixelRatio()) * 4;
+    const qsizetype rowBytes = image.bytesPerLine();
+    uchar *const bits = image.bits();
+    constexpr quint8 kGlyphAttrs = TermCell::Bold | TermCell::Italic | TermCell::Underline | TermCell::Strike;
+    // Neighbouring cells mostly look alike: the colours are worked out again only when the look changes.
+    TermCell lastLook;
+    bool lastSelected = false;
+    CellColors colors;
+    bool haveColors = false;
+    for (int column = 0; column < columns; ++column) {
+        const TermCell &cell = cells[size_t(column)];
+        // The right half of a wide character was painted with its left half.
+        if (cell.ch == 0 && column > 0 && cells[size_t(column - 1)].ch != 0)
+            continue;
+        const bool inSelection = column >= look.selFrom && column < look.selTo;
+        if (!haveColors || !cell.sameLook(lastLook) || inSelection != lastSelected) {
+            QColor fg = cell.fg.isDefault() ? defaultFg : QColor(QRgb(cell.fg.rgb()));
+            QColor bg = cell.bg.isDefault() ? defaultBg : QColor(QRgb(cell.bg.rgb()));
+            if (bool(cell.attrs & TermCell::Reverse) != inSelection)
+                std::swap(fg, bg);
+            colors = FilterColors(fg, bg, filter);
+            lastLook = cell;
+            lastSelected = inSelection;
+            haveColors = true;
+        }
+        const bool wide = cell.ch != 0 && column + 1 < columns && cells[size_t(column + 1)].ch == 0;
+        const GlyphKey key{cell.ch == 0 ? U' ' : cell.ch, colors.fg.rgb(), colors.bg.rgb(),
+                           quint8(cell.attrs & kGlyphAttrs), wide};
+        const QImage &glyph = cellImage(key);
+        const qsizetype offset = qsizetype(column) * cellBytes;
+        const size_t bytes = size_t(std::min(glyph.bytesPerLine(), rowBytes - offset));
+        const uchar *source = glyph.constBits();
+        for (int y = 0; y < image.height(); ++y)
+            std::memcpy(bits + y * rowBytes + offset, source + y * glyph.bytesPerLine(), bytes);
+    }
+    if (look.cursorColumn < 0 || look.cursorColumn >= columns)
+        return;
     const CellColors plain = FilterColors(defaultFg, defaultBg, filter);
-    const QRect area = event->rect();
-    painter.fillRect(area, plain.bg);
+    QPainter painter(&image);
+    const QRect cell(look.cursorColumn * m_cellWidth, 0, m_cellWidth, m_cellHeight);
+    if (m_cursorType == CursorBlock) {
+        painter.fillRect(cell, plain.fg);
+        const TermCell &under = cells[size_t(look.cursorColumn)];
+        if (under.ch > U' ') {
+            painter.setPen(plain.bg);
+            drawChars(painter, cell.left(), std::u32string(1, under.ch), under.attrs);
+        }
+    } else {
+        painter.fillRect(QRect(cell.left(), cell.bottom() - 1, m_cellWidth, 2), plain.fg);
+    }
+}
 
-    const int top = topRow();
-    const int columns = Columns();
+void TerminalScreen::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(viewport());
+    const QRect area = event->rect();
     const int firstRow = std::max(0, area.top() / m_cellHeight);
     const int lastRow = std::min(Rows() - 1, area.bottom() / m_cellHeight);
-    const int firstColumn = std::max(0, area.left() / m_cellWidth - 1);
-    const int lastColumn = std::min(columns - 1, area.right() / m_cellWidth);
-    const CellPos cursor{m_emu.cursorRow(), m_emu.cursorColumn()};
-    std::vector<TermCell> cells;
-    QString text;
+    const int top = topRow();
+    for (int viewRow = firstRow; viewRow <= lastRow; ++viewRow)
+        painter.drawImage(QPoint(0, viewRow * m_cellHeight), rowImage(rowLook(top + viewRow)));
 
-    for (int viewRow = firstRow; viewRow <= lastRow; ++viewRow) {
-        const int row = top + viewRow;
-        m_emu.rowCells(row, cells);
-        const int y = viewRow * m_cellHeight;
-        int column = firstColumn;
-        while (column <= lastColumn) {
-            const TermCell &first = cells[size_t(column)];
-            const bool inSelection = selected(row, column);
-            const auto isWide = [&](int c) { return c + 1 < columns && cells[size_t(c + 1)].ch == 0; };
-            int end = column + (isWide(column) ? 2 : 1);
-            text.clear();
-            text += QStringView(QChar::fromUcs4(first.ch == 0 ? U' ' : first.ch));
-            if (!isWide(column)) {
-                while (end <= lastColumn && cells[size_t(end)].ch != 0 && !isWide(end) &&
-                       cells[size_t(end)].sameLook(first) && selected(row, end) == inSelection) {
-                    text += QStringView(QChar::fromUcs4(cells[size_t(end)].ch));
-                    ++end;
-                }
-            }
-            QColor fg = first.fg.isDefault() ? defaultFg : QColor(QRgb(first.fg.rgb()));
-            QColor bg = first.bg.isDefault() ? defaultBg : QColor(QRgb(first.bg.rgb()));
-            if (bool(first.attrs & TermCell::Reverse) != inSelection)
-                std::swap(fg, bg);
-            const CellColors colors = FilterColors(fg, bg, filter);
-            const QRect runRect(column * m_cellWidth, y, (end - column) * m_cellWidth, m_cellHeight);
-            painter.fillRect(runRect, colors.bg);
-            const bool visibleText =
-                !text.trimmed().isEmpty() || (first.attrs & (TermCell::Underline | TermCell::Strike)) != 0;
-            if (visibleText) {
-                painter.setFont(fontFor(first.attrs));
-                painter.setPen(colors.fg);
-                painter.drawText(runRect.left(), y + m_ascent, text);
-            }
-            column = end;
-        }
-        if (row == cursor.row && m_emu.cursorVisible() && cursor.column >= firstColumn &&
-            cursor.column <= lastColumn) {
-            const QRect cell(cursor.column * m_cellWidth, y, m_cellWidth, m_cellHeight);
-            if (m_cursorType == CursorBlock) {
-                painter.fillRect(cell, plain.fg);
-                const char32_t ch = cells[size_t(cursor.column)].ch;
-                if (ch > U' ') {
-                    painter.setFont(fontFor(cells[size_t(cursor.column)].attrs));
-                    painter.setPen(plain.bg);
-                    painter.drawText(cell.left(), y + m_ascent, QStringView(QChar::fromUcs4(ch)).toString());
-                }
-            } else {
-                painter.fillRect(QRect(cell.left(), cell.bottom() - 1, m_cellWidth, 2), plain.fg);
-            }
-        }
+    // Beyond the last column and the last row, the screen's own background.
+    const QRegion margin = QRegion(area) - QRect(0, 0, Columns() * m_cellWidth, Rows() * m_cellHeight);
+    if (!margin.isEmpty()) {
+        const QColor background = FilterColors(PaletteColor(m_foreColor), PaletteColor(m_backColor),
+                                               ColorFilterFromNumber(m_colorFilter))
+                                      .bg;
+        for (const QRect &rect : margin)
+            painter.fillRect(rect, background);
     }
+}
+
+void TerminalScreen::restyle()
+{
+    m_rowCache.clear();
+    m_cells.clear();
+    viewport()->update();
 }
 
 void TerminalScreen::sendFromKeyboard(const QByteArray &bytes)

@@ -5,10 +5,15 @@
 #include "TermEmulator.h"
 
 #include <QAbstractScrollArea>
+#include <QElapsedTimer>
+#include <QHash>
+#include <QImage>
 #include <QPoint>
 #include <QPointer>
+#include <QRawFont>
 #include <QTimer>
 #include <array>
+#include <string>
 
 // The key's character code as the terminal's key-press event reports it: 8 for Backspace, 13 for
 // Enter, 27 for Esc, 9 for Tab, 1 to 26 for Ctrl and a letter, the Latin-1 code of a typed
@@ -147,14 +152,54 @@ private:
     QByteArray shownBytes(const QByteArray &bytes) const;
     void relayout(int rows, int columns);
     void process(qsizetype maxBytes);
+    void scheduleRepaint();
     void scrollbackGrew(qint64 lines);
     void updateScrollBar();
     void updateMetrics();
     void updateCells(const QRect &cells);
     void sendFromKeyboard(const QByteArray &bytes);
+    // One row as painted: its cells, the selected columns, where the cursor stands on it.
+    struct RowLook
+    {
+        std::vector<TermCell> cells;
+        int selFrom = -1;
+        int selTo = -1;
+        int cursorColumn = -1;
+        bool operator==(const RowLook &) const = default;
+    };
+    struct CachedRow
+    {
+        size_t hash = 0;
+        RowLook look;
+        QImage image;
+        quint64 used = 0;
+    };
+    // One character cell as painted: the character, its colours after reverse, selection and
+    // filter, and the attributes that change the glyph.
+    struct GlyphKey
+    {
+        char32_t ch = U' ';
+        QRgb fg = 0;
+        QRgb bg = 0;
+        quint8 attrs = 0;
+        bool wide = false;
+        bool operator==(const GlyphKey &) const = default;
+        friend size_t qHash(const GlyphKey &key, size_t seed = 0)
+        {
+            return qHashMulti(seed, uint(key.ch), key.fg, key.bg, key.attrs, key.wide);
+        }
+    };
+    RowLook rowLook(int row) const;
+    const QImage &rowImage(RowLook &&look);
+    void renderRow(QImage &image, const RowLook &look) const;
+    const QImage &cellImage(const GlyphKey &key) const;
+    // Colours, font or cursor changed: every row is painted afresh.
+    void restyle();
     CellPos cellAt(const QPoint &point) const;
-    bool selected(int row, int column) const;
     const QFont &fontFor(quint8 attrs) const;
+    // Draws characters one to a cell, from glyphs looked up once per character: a terminal's text
+    // needs no shaping, and shaping every new line is what a fast stream would otherwise cost.
+    void drawChars(QPainter &painter, int x, const std::u32string &chars, quint8 attrs) const;
 
     TermEmulator m_emu{kDefaultRows, kDefaultColumns};
     CaptureFile m_capture;
@@ -176,7 +221,22 @@ private:
     int m_ascent = 12;
     // The font with each combination of bold, underline, italic and strike-out.
     std::array<QFont, 16> m_fonts;
+    // The font's faces without and with bold and italic, and the glyph of each character drawn so far.
+    struct Face
+    {
+        QRawFont raw;
+        QHash<char32_t, quint32> glyphs;
+    };
+    mutable std::array<Face, 4> m_faces;
+    // Every cell drawn so far, as a picture: a row is put together by copying pixels, not by drawing text.
+    mutable QHash<GlyphKey, QImage> m_cells;
     CellPos m_paintedCursor{-1, -1};
+
+    // Rows painted lately, kept as pictures: a scrolling screen shows mostly rows it has painted before.
+    std::vector<CachedRow> m_rowCache;
+    quint64 m_paintCount = 0;
+    qint64 m_lastProcessMs = 0;
+    QElapsedTimer m_clock;
 
     CellPos m_selAnchor;
     CellPos m_selEnd;

@@ -1,0 +1,298 @@
+// How the terminal window copes with a fast modem: 10 MB of 60-character lines written to a real
+// pseudo-terminal by another process, received by the serial control at AutoProcess 3 and shown
+// on the visible terminal. Prints the wall time, the CPU time and peak memory of this process, the
+// worst delay the event loop saw meanwhile, and the CPU share while a writer paces the same lines
+// at 115200 baud.
+
+#include "IniFile.h"
+#include "ModemSession.h"
+#include "ScriptedPrompts.h"
+#include "SerialCommControl.h"
+#include "Terminal.h"
+#include "TerminalScreen.h"
+#include "TimeSource.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr qint64 kStreamBytes = 10 * 1024 * 1024;
+constexpr int kPacedSeconds = 5;
+constexpr int kBaud = 115200;
+constexpr int kBitsPerByte = 10; // start, eight data bits, stop
+
+struct Usage
+{
+    double cpuSeconds = 0;
+    long maxRssKb = 0;
+};
+
+Usage usage()
+{
+    rusage u{};
+    ::getrusage(RUSAGE_SELF, &u);
+    return {double(u.ru_utime.tv_sec + u.ru_stime.tv_sec) +
+                double(u.ru_utime.tv_usec + u.ru_stime.tv_usec) / 1e6,
+            u.ru_maxrss};
+}
+
+long currentRssKb()
+{
+    QFile status(QStringLiteral("/proc/self/statm"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> fields = status.readAll().split(' ');
+    return fields.size() > 1 ? fields[1].toLong() * (::sysconf(_SC_PAGESIZE) / 1024) : 0;
+}
+
+// Line n of the stream: 60 characters and CR LF.
+QByteArray streamLine(qint64 n)
+{
+    QByteArray line = QByteArray::number(n).rightJustified(8, '0') + " RSSI -";
+    line += QByteArray::number(40 + n % 60) + " dBm ";
+    while (line.size() < 60)
+        line += char('A' + line.size() % 26);
+    return line + "\r\n";
+}
+
+QByteArray stream(qint64 bytes, qint64 &lines)
+{
+    QByteArray all;
+    all.reserve(bytes + 64);
+    lines = 0;
+    while (all.size() < bytes)
+        all += streamLine(++lines);
+    return all;
+}
+
+bool writeAll(int fd, const char *data, size_t length)
+{
+    while (length > 0) {
+        const ssize_t n = ::write(fd, data, length);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        data += n;
+        length -= size_t(n);
+    }
+    return true;
+}
+
+// Writes the bytes from a child process, as fast as the pty takes them or paced at a baud rate.
+pid_t startWriter(int master, const QByteArray &bytes, int paceBaud)
+{
+    const pid_t pid = ::fork();
+    if (pid != 0)
+        return pid;
+    const int flags = ::fcntl(master, F_GETFL);
+    ::fcntl(master, F_SETFL, flags & ~O_NONBLOCK);
+    if (paceBaud <= 0)
+        ::_exit(writeAll(master, bytes.constData(), size_t(bytes.size())) ? 0 : 1);
+    timespec next{};
+    ::clock_gettime(CLOCK_MONOTONIC, &next);
+    const double bytesPerSecond = double(paceBaud) / kBitsPerByte;
+    qsizetype offset = 0;
+    while (offset < bytes.size()) {
+        const qsizetype end = std::min(bytes.indexOf('\n', offset) + 1, bytes.size());
+        if (!writeAll(master, bytes.constData() + offset, size_t(end - offset)))
+            ::_exit(1);
+        const auto ns = qint64(double(end - offset) / bytesPerSecond * 1e9);
+        next.tv_nsec += long(ns % 1000000000);
+        next.tv_sec += time_t(ns / 1000000000);
+        if (next.tv_nsec >= 1000000000) {
+            next.tv_nsec -= 1000000000;
+            ++next.tv_sec;
+        }
+        ::clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &next, nullptr);
+        offset = end;
+    }
+    ::_exit(0);
+}
+
+// Measures the longest gap between the ticks of a 1 ms timer: how long the event loop was held.
+class LoopProbe : public QObject
+{
+public:
+    void start()
+    {
+        m_worstMs = 0;
+        m_clock.start();
+        m_last = 0;
+        m_timer.setTimerType(Qt::PreciseTimer);
+        connect(&m_timer, &QTimer::timeout, this, [this] {
+            const qint64 now = m_clock.nsecsElapsed();
+            m_worstMs = std::max(m_worstMs, double(now - m_last) / 1e6 - 1.0);
+            m_last = now;
+        });
+        m_timer.start(1);
+    }
+    void stop() { m_timer.stop(); }
+    double worstMs() const { return m_worstMs; }
+
+private:
+    QTimer m_timer;
+    QElapsedTimer m_clock;
+    qint64 m_last = 0;
+    double m_worstMs = 0;
+};
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+
+    const int master = ::posix_openpt(O_RDWR | O_NOCTTY);
+    if (master < 0 || ::grantpt(master) != 0 || ::unlockpt(master) != 0) {
+        std::fprintf(stderr, "no pseudo-terminal\n");
+        return 1;
+    }
+    termios tio{};
+    ::tcgetattr(master, &tio);
+    ::cfmakeraw(&tio);
+    ::tcsetattr(master, TCSANOW, &tio);
+    const QString slave = QString::fromLocal8Bit(::ptsname(master));
+
+    QTemporaryDir dir;
+    {
+        QFile ini(dir.filePath(QStringLiteral("VarnelUtil.INI")));
+        if (!ini.open(QIODevice::WriteOnly))
+            return 1;
+        ini.write(
+            "[Port_Phone]\r\nComm Port=1\r\nSettings=115200,N,8,1\r\nDTREnable=True\r\nRTSEnable=True\r\n"
+            "Handshaking=0\r\n");
+    }
+    IniFile ini(dir.filePath(QStringLiteral("VarnelUtil.INI")));
+    SerialCommControl comm([&](int) { return slave; });
+    RealTime time;
+    ScriptedPrompts prompts;
+    ModemSession session(comm, time, prompts);
+    Terminal terminal(session, ini);
+    terminal.Load();
+    terminal.show();
+    comm.setAutoProcess(CommControl::kAutoProcessTerminal);
+    if (!comm.PortOpen()) {
+        std::fprintf(stderr, "the port did not open\n");
+        return 1;
+    }
+    TerminalScreen &screen = *terminal.Comm1Screen;
+
+    qint64 received = 0;
+    QEventLoop loop;
+    qint64 target = 0;
+    QObject::connect(&comm, &CommControl::screenText, &app, [&](const QByteArray &bytes) {
+        received += bytes.size();
+        if (received >= target)
+            loop.quit();
+    });
+    int paints = 0;
+    struct PaintCounter : QObject
+    {
+        int *count;
+        explicit PaintCounter(int *c) : count(c) {}
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::Paint)
+                ++*count;
+            return false;
+        }
+    } counter(&paints);
+    screen.viewport()->installEventFilter(&counter);
+    QApplication::processEvents();
+
+    qint64 lines = 0;
+    const QByteArray data = stream(kStreamBytes, lines);
+    const long rssBefore = currentRssKb();
+    std::printf("stream: %lld bytes in %lld lines of %lld bytes, scroll-back %d lines\n",
+                static_cast<long long>(data.size()), static_cast<long long>(lines),
+                static_cast<long long>(streamLine(1).size()), screen.ScrollRows());
+
+    for (int run = 1; run <= 3; ++run) {
+        received = 0;
+        target = data.size();
+        paints = 0;
+        LoopProbe probe;
+        const Usage before = usage();
+        QElapsedTimer wall;
+        wall.start();
+        probe.start();
+        const pid_t writer = startWriter(master, data, 0);
+        loop.exec();
+        // Shown means painted: the last repaint tick and its paint event are part of the time.
+        screen.flush();
+        screen.viewport()->repaint();
+        const double seconds = wall.nsecsElapsed() / 1e9;
+        probe.stop();
+        const Usage after = usage();
+        int status = 0;
+        ::waitpid(writer, &status, 0);
+        const bool lastLineShown =
+            screen.rowText(screen.CursorRow() - 2) == QString::fromLatin1(streamLine(lines).chopped(2));
+        std::printf("run %d: wall %.3f s, %.1f MB/s consumed and shown (target >= 55), cpu %.3f s, "
+                    "paints %d, worst event-loop delay %.1f ms (target <= 50), last line shown %s\n",
+                    run, seconds, data.size() / seconds / 1e6, after.cpuSeconds - before.cpuSeconds, paints,
+                    probe.worstMs(), lastLineShown ? "yes" : "NO");
+        std::printf("        peak RSS %ld KB, RSS now %ld KB (%+ld KB since before the first run)\n",
+                    after.maxRssKb, currentRssKb(), currentRssKb() - rssBefore);
+    }
+
+    // What one repaint of a full screen of text costs.
+    {
+        const int repaints = 200;
+        const Usage before = usage();
+        for (int i = 0; i < repaints; ++i)
+            screen.viewport()->repaint();
+        std::printf("full repaint: %.3f ms of cpu each\n",
+                    (usage().cpuSeconds - before.cpuSeconds) * 1000 / repaints);
+    }
+
+    // The paced runs: a modem talking at full line speed for a few seconds, first to the serial
+    // control alone (what reading the port costs whatever shows it), then to the terminal window.
+    const qint64 pacedBytes = qint64(kBaud) / kBitsPerByte * kPacedSeconds;
+    qint64 pacedLines = 0;
+    const QByteArray paced = stream(pacedBytes, pacedLines);
+    for (const bool shown : {false, true}) {
+        screen.attach(shown ? &comm : nullptr);
+        received = 0;
+        target = paced.size();
+        paints = 0;
+        const Usage before = usage();
+        QElapsedTimer wall;
+        wall.start();
+        const pid_t writer = startWriter(master, paced, kBaud);
+        loop.exec();
+        const double seconds = wall.nsecsElapsed() / 1e9;
+        const Usage after = usage();
+        int status = 0;
+        ::waitpid(writer, &status, 0);
+        const double cpu = after.cpuSeconds - before.cpuSeconds;
+        std::printf("paced %d baud, %s: %lld bytes in %lld lines over %.2f s, cpu %.4f s, share %.2f %%%s, "
+                    "paints %d\n",
+                    kBaud, shown ? "terminal window" : "serial control alone",
+                    static_cast<long long>(paced.size()), static_cast<long long>(pacedLines), seconds, cpu,
+                    100.0 * cpu / seconds, shown ? " (target <= 0.6)" : "", paints);
+    }
+
+    terminal.Unload();
+    ::close(master);
+    return 0;
+}

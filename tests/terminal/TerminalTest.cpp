@@ -73,6 +73,7 @@ private slots:
     void unloadClosesCaptureBeforeThePort();
     void introductionUntilHidden();
     void initializeIrDongle();
+    void adaptorStartsWhenLoaded();
     void setFrequencyEntersCommandModeFirst();
     void setFrequencyWithSilentModem();
     void diagnosticsEntry();
@@ -754,6 +755,19 @@ void TerminalTest::initializeIrDongle()
     QCOMPARE(t.window.windowTitle(), QStringLiteral("COM2: Using IR Dongle"));
     QCOMPARE(t.writes().last(), QByteArray("\x03"));
     QCOMPARE(t.rig.port.AutoProcess(), 3);
+}
+
+void TerminalTest::adaptorStartsWhenLoaded()
+{
+    TerminalRig rig;
+    rig.modem.answer(QByteArray(1, char(0xC0)), QByteArray(1, char(0xC2)));
+    rig.session.IrDongleActive = true;
+    Terminal window(rig.session, rig.ini);
+    window.Load();
+    QCOMPARE(window.windowTitle(), QStringLiteral("COM2: Using IR Dongle"));
+    QCOMPARE(rig.port.writes().last(), QByteArray("\x03"));
+    QCOMPARE(rig.port.AutoProcess(), 3);
+    QVERIFY(rig.prompts.verify());
 }
 
 void TerminalTest::setFrequencyEntersCommandModeFirst()

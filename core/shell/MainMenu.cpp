@@ -140,6 +140,7 @@ void MainMenu::Load()
     m_terminal = new Terminal(m_session, m_ini);
     m_terminal->Load();
     m_terminal->setVisible(false);
+    connect(m_terminal, &Terminal::returnedToMainMenu, this, &MainMenu::sectionEnded);
 }
 
 void MainMenu::sectionEnded()
@@ -187,10 +188,12 @@ void MainMenu::cmdTermEm_Click()
     m_terminal->setVisible(true);
     comm.Input();
     m_terminal->activateWindow();
+    m_terminal->FocusComm1();
     // A carriage return makes the modem show a fresh prompt on the screen.
     IgnoreErrors([&] { comm.Output(QByteArrayLiteral("\r")); });
     comm.setAutoProcess(CommControl::kAutoProcessTerminal);
     setVisible(false);
+    m_terminal->ShowTermIntro();
 }
 
 void MainMenu::cmdProductInfo_Click()

@@ -267,12 +267,34 @@ void ShellTest::terminalEmulationHandsThePortToTheScreen()
     s.port.setAutoProcess(0);
     s.port.feed("old text");
     s.port.clearEvents();
+    // The introduction comes last, with the port already in the terminal's hands.
+    bool introShown = false;
+    whenModal([&](QWidget *w) {
+        introShown = true;
+        QCOMPARE(w->objectName(), QStringLiteral("TermIntro"));
+        QCOMPARE(s.port.AutoProcess(), 3);
+        QVERIFY(!menu.isVisible());
+        w->findChild<QCheckBox *>(QStringLiteral("chkHide"))->setChecked(true);
+        w->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
+    });
     menu.cmdTermEm->click();
+    QVERIFY(introShown);
     QCOMPARE(s.port.writes(), QList<QByteArray>{"\r"});
     QCOMPARE(s.port.AutoProcess(), 3);
     QCOMPARE(s.port.InBufferCount(), 0);
     QVERIFY(menu.terminal()->isVisible());
     QVERIFY(!menu.isVisible());
+
+    // "Exit to Main Menu" hides the window, keeps the port open, and the note stays away next time.
+    s.port.setAutoProcess(0);
+    menu.terminal()->MFile(4)->trigger();
+    QVERIFY(menu.isVisible());
+    QVERIFY(!menu.terminal()->isVisible());
+    QVERIFY(s.port.PortOpen());
+    QCOMPARE(s.port.AutoProcess(), 3);
+    menu.cmdTermEm->click();
+    QVERIFY(menu.terminal()->isVisible());
+    QVERIFY(s.prompts.verify());
 }
 
 void ShellTest::programmingReturnsToMainMenu()

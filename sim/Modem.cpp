@@ -56,7 +56,7 @@ Match matchCommand(const QString &word, QString *full)
     const QString w = word.toUpper();
     QStringList names;
     QList<int> mins;
-    for (const ParameterSpec &p : parameterSpecs()) {
+    for (const ParameterDef &p : parameterDefs()) {
         names << QLatin1String(p.command);
         mins << p.minLength;
     }
@@ -126,20 +126,20 @@ struct Modem::Outcome
     std::function<void()> then; // runs when the answer has gone out
 };
 
-Modem::Modem(TimeSource &time, const ModemSpec &spec, Network *network, GroundTruth *truth)
-    : m_time(time), m_spec(spec), m_network(network), m_truth(truth)
+Modem::Modem(TimeSource &time, const ModemProfile &profile, Network *network, GroundTruth *truth)
+    : m_time(time), m_spec(profile), m_network(network), m_truth(truth)
 {
-    m_version = spec.version;
-    m_hasOs = spec.operatingSystem;
+    m_version = profile.version;
+    m_hasOs = profile.operatingSystem;
     m_hoursBaseMs = m_time.elapsedMs();
     loadFactoryDefaults();
-    for (auto it = spec.factory.begin(); it != spec.factory.end(); ++it)
+    for (auto it = profile.factory.begin(); it != profile.factory.end(); ++it)
         m_factory[it.key().toUpper()] = it.value();
     m_saved = m_factory;
-    for (auto it = spec.settings.begin(); it != spec.settings.end(); ++it)
+    for (auto it = profile.settings.begin(); it != profile.settings.end(); ++it)
         m_saved[it.key().toUpper()] = it.value();
-    m_savedRoutes = spec.routes;
-    m_savedAppends = spec.appends;
+    m_savedRoutes = profile.routes;
+    m_savedAppends = profile.appends;
     m_working = m_saved;
     m_latched = m_saved;
     m_activeComrate = m_saved.value(QStringLiteral("COMRATE")).toInt();
@@ -454,8 +454,8 @@ bool Modem::execute(const QString &command, bool overAir, Outcome &out)
     case Match::Found:
         break;
     }
-    if (const ParameterSpec *spec = findParameter(full))
-        return executeParameter(*spec, argument, out);
+    if (const ParameterDef *def = findParameter(full))
+        return executeParameter(*def, argument, out);
 
     const bool tableWrite =
         (full == QLatin1String("ROUTE") || full == QLatin1String("APPEND")) && !argument.isEmpty();
@@ -616,10 +616,10 @@ bool Modem::execute(const QString &command, bool overAir, Outcome &out)
     return false;
 }
 
-bool Modem::executeParameter(const ParameterSpec &spec, const QString &argument, Outcome &out)
+bool Modem::executeParameter(const ParameterDef &def, const QString &argument, Outcome &out)
 {
     const QByteArray le = lineEnd();
-    const QString command = QLatin1String(spec.command);
+    const QString command = QLatin1String(def.command);
     const bool oldCase = m_spec.switches == 8;
     // Units of the old case set their rate by switches only: they have no rate command.
     if (command == QLatin1String("COMRATE") && oldCase) {
@@ -632,11 +632,11 @@ bool Modem::executeParameter(const ParameterSpec &spec, const QString &argument,
         QString value = command == QLatin1String("VERSION") ? m_version : m_working.value(command);
         if (security)
             value = locked() ? QStringLiteral("ON") : QStringLiteral("OFF");
-        out.text += valueLine(spec, value) + le;
+        out.text += valueLine(def, value) + le;
         return true;
     }
-    const auto value = normaliseValue(spec, argument);
-    if (!spec.writable || !value || (locked() && !security)) {
+    const auto value = normaliseValue(def, argument);
+    if (!def.writable || !value || (locked() && !security)) {
         out.text += "INVALID" + le;
         return false;
     }
@@ -659,12 +659,12 @@ QByteArray Modem::listChanged() const
     // form the interpreter takes it back.
     QByteArray text;
     const QByteArray le = lineEnd();
-    for (const ParameterSpec &spec : parameterSpecs()) {
-        if (!spec.listed)
+    for (const ParameterDef &def : parameterDefs()) {
+        if (!def.listed)
             continue;
-        const QString command = QLatin1String(spec.command);
+        const QString command = QLatin1String(def.command);
         if (m_working.value(command) != m_factory.value(command))
-            text += QByteArray(spec.command) + ' ' + m_working.value(command).toLatin1() + le;
+            text += QByteArray(def.command) + ' ' + m_working.value(command).toLatin1() + le;
     }
     return text;
 }

@@ -16,7 +16,7 @@ namespace sim {
 
 class Network;
 struct GroundTruth;
-struct ParameterSpec;
+struct ParameterDef;
 
 // One modem's firmware: the command interpreter on its serial port, its three copies of the
 // settings (factory, saved, working) plus the values the radio runs on since the last latch,
@@ -34,7 +34,8 @@ public:
     };
     using Settings = QMap<QString, QString>; // full command name -> value text
 
-    Modem(TimeSource &time, const ModemSpec &spec, Network *network = nullptr, GroundTruth *truth = nullptr);
+    Modem(TimeSource &time, const ModemProfile &profile, Network *network = nullptr,
+          GroundTruth *truth = nullptr);
     ~Modem();
     Modem(const Modem &) = delete;
     Modem &operator=(const Modem &) = delete;
@@ -76,7 +77,7 @@ public:
     bool signalStreaming() const { return m_rxStream; }
     bool dataQualityMode() const { return m_dqMode; }
     bool transmitterKeyed() const { return m_radioOn; }
-    const ModemSpec &spec() const { return m_spec; }
+    const ModemProfile &profile() const { return m_spec; }
     double hoursRun() const;
 
     // Faults on demand.
@@ -111,7 +112,7 @@ private:
 
     // Executes one ":"-separated command. Returns false when the line must stop there.
     bool execute(const QString &command, bool overAir, Outcome &out);
-    bool executeParameter(const ParameterSpec &spec, const QString &argument, Outcome &out);
+    bool executeParameter(const ParameterDef &def, const QString &argument, Outcome &out);
     void setWorking(const QString &command, const QString &value);
     QByteArray listChanged() const;
     QByteArray inoutReply(const QString &argument);
@@ -131,7 +132,7 @@ private:
     void finishImage();
 
     TimeSource &m_time;
-    ModemSpec m_spec;
+    ModemProfile m_spec;
     Network *m_network;
     GroundTruth *m_truth;
     std::function<void(const QByteArray &)> m_transmit;

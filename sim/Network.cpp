@@ -34,7 +34,7 @@ int levelFromMicrovolts(double microvolts)
 
 struct Network::Link
 {
-    LinkSpec spec;
+    LinkProfile profile;
     bool forcedDown = false;
 };
 
@@ -42,12 +42,12 @@ Network::Network(TimeSource &time, const Scenario &scenario)
     : m_time(time), m_localIndex(scenario.localIndex), m_interference(scenario.interference),
       m_random(scenario.seed)
 {
-    for (const ModemSpec &spec : scenario.modems)
-        m_modems.push_back(std::make_unique<Modem>(time, spec, this, &m_truth));
+    for (const ModemProfile &profile : scenario.modems)
+        m_modems.push_back(std::make_unique<Modem>(time, profile, this, &m_truth));
     if (m_modems.empty())
-        m_modems.push_back(std::make_unique<Modem>(time, ModemSpec{}, this, &m_truth));
+        m_modems.push_back(std::make_unique<Modem>(time, ModemProfile{}, this, &m_truth));
     m_localIndex = std::clamp(m_localIndex, 0, int(m_modems.size()) - 1);
-    for (const LinkSpec &l : scenario.links) {
+    for (const LinkProfile &l : scenario.links) {
         m_links.push_back(std::make_unique<Link>(Link{l, false}));
         for (const LinkDrop &d : l.drops)
             m_truth.outages.append({l.from, l.to, d.atMs, d.atMs + d.durationMs});
@@ -75,7 +75,7 @@ QList<Modem *> Network::modems() const
 Network::Link *Network::linkBetween(int a, int b)
 {
     for (auto &l : m_links)
-        if ((l->spec.from == a && l->spec.to == b) || (l->spec.from == b && l->spec.to == a))
+        if ((l->profile.from == a && l->profile.to == b) || (l->profile.from == b && l->profile.to == a))
             return l.get();
     return nullptr;
 }
@@ -83,7 +83,7 @@ Network::Link *Network::linkBetween(int a, int b)
 const Network::Link *Network::linkBetween(int a, int b) const
 {
     for (const auto &l : m_links)
-        if ((l->spec.from == a && l->spec.to == b) || (l->spec.from == b && l->spec.to == a))
+        if ((l->profile.from == a && l->profile.to == b) || (l->profile.from == b && l->profile.to == a))
             return l.get();
     return nullptr;
 }
@@ -92,7 +92,7 @@ bool Network::linkUp(const Link &link, qint64 atMs) const
 {
     if (link.forcedDown)
         return false;
-    for (const LinkDrop &d : link.spec.drops)
+    for (const LinkDrop &d : link.profile.drops)
         if (atMs >= d.atMs && atMs < d.atMs + d.durationMs)
             return false;
     return true;
@@ -148,11 +148,12 @@ Network::Delivery Network::send(Modem &from, const QList<int> &route, int payloa
                 ok = false;
                 break;
             }
-            const double signal = std::max(0.1, link->spec.microvolts + noise(link->spec.noiseMicrovolts));
+            const double signal =
+                std::max(0.1, link->profile.microvolts + noise(link->profile.noiseMicrovolts));
             const double interference = interferenceOn(b->channel());
             // A weak signal against the interference loses packets on top of the path's own losses.
             const double margin = signal / (interference + kNoiseFloorMicrovolts);
-            const double loss = std::clamp(link->spec.lossRate + (margin < 2.0 ? 0.5 : 0.0), 0.0, 1.0);
+            const double loss = std::clamp(link->profile.lossRate + (margin < 2.0 ? 0.5 : 0.0), 0.0, 1.0);
             if (u(m_random) < loss)
                 ok = false;
             lastSignal = signal;
@@ -187,7 +188,8 @@ double Network::meterReading(const Modem &receiver)
         const Link *link = linkBetween(m->address(), receiver.address());
         if (!link || !linkUp(*link, now))
             continue;
-        reading = std::max(reading, std::max(0.1, link->spec.microvolts + noise(link->spec.noiseMicrovolts)));
+        reading =
+            std::max(reading, std::max(0.1, link->profile.microvolts + noise(link->profile.noiseMicrovolts)));
     }
     return reading;
 }
@@ -219,7 +221,7 @@ void Network::setLinkDown(int a, int b, bool down)
 void Network::scheduleDrop(int a, int b, qint64 atMs, qint64 durationMs)
 {
     if (Link *link = linkBetween(a, b)) {
-        link->spec.drops.append({atMs, durationMs});
+        link->profile.drops.append({atMs, durationMs});
         m_truth.outages.append({a, b, atMs, atMs + durationMs});
     }
 }
@@ -227,7 +229,7 @@ void Network::scheduleDrop(int a, int b, qint64 atMs, qint64 durationMs)
 void Network::setLinkSignal(int a, int b, double microvolts)
 {
     if (Link *link = linkBetween(a, b))
-        link->spec.microvolts = microvolts;
+        link->profile.microvolts = microvolts;
 }
 
 } // namespace sim

@@ -6,10 +6,10 @@ namespace {
 constexpr int kAny = 0x7fffffff;
 }
 
-const QList<ParameterSpec> &parameterSpecs()
+const QList<ParameterDef> &parameterDefs()
 {
     using K = ValueKind;
-    static const QList<ParameterSpec> specs{
+    static const QList<ParameterDef> defs{
         {"MODEL", 5, "MODEL", K::Text, 0, 0, true, false},
         {"OPTION", 3, "OPTION", K::Number, 0, 255, true, false},
         {"S/N", 3, "S/N", K::Number, 0, 65535, true, false},
@@ -53,21 +53,21 @@ const QList<ParameterSpec> &parameterSpecs()
         {"TYPSYS", 4, "TYPSYS", K::OnOff},
         {"SECURITY", 3, "SECURITY", K::Number, 0, 32767, true, false},
     };
-    return specs;
+    return defs;
 }
 
-const ParameterSpec *findParameter(const QString &command)
+const ParameterDef *findParameter(const QString &command)
 {
-    for (const ParameterSpec &spec : parameterSpecs())
-        if (command.compare(QLatin1String(spec.command), Qt::CaseInsensitive) == 0)
-            return &spec;
+    for (const ParameterDef &def : parameterDefs())
+        if (command.compare(QLatin1String(def.command), Qt::CaseInsensitive) == 0)
+            return &def;
     return nullptr;
 }
 
-QByteArray valueLine(const ParameterSpec &spec, const QString &value)
+QByteArray valueLine(const ParameterDef &def, const QString &value)
 {
-    const int valueColumn = spec.shortLabel ? 7 : 11;
-    QByteArray line(spec.label);
+    const int valueColumn = def.shortLabel ? 7 : 11;
+    QByteArray line(def.label);
     // "= " stands just in front of the value; a long label still gets one blank before it.
     const int pad = std::max(1, valueColumn - 2 - int(line.size()));
     line += QByteArray(pad, ' ');
@@ -94,14 +94,14 @@ long long leadingNumber(const QString &text, bool *ok)
     return negative ? -value : value;
 }
 
-std::optional<QString> normaliseValue(const ParameterSpec &spec, const QString &typed)
+std::optional<QString> normaliseValue(const ParameterDef &def, const QString &typed)
 {
     const QString t = typed.trimmed();
-    switch (spec.kind) {
+    switch (def.kind) {
     case ValueKind::Number: {
         bool ok = false;
         const long long v = leadingNumber(t, &ok);
-        if (!ok || v < spec.low || (spec.high != 0 && v > spec.high))
+        if (!ok || v < def.low || (def.high != 0 && v > def.high))
             return std::nullopt;
         return QString::number(v);
     }

@@ -16,7 +16,7 @@ enum class ValueKind {
 
 // One setting of the interpreter: the full command name, the shortest abbreviation the
 // interpreter takes, the name it prints in a value line, and where it keeps its value.
-struct ParameterSpec
+struct ParameterDef
 {
     const char *command; // full name, in capitals: "ADDRESS"
     int minLength;       // "ADD" is enough for ADDRESS
@@ -30,15 +30,15 @@ struct ParameterSpec
 };
 
 // Every setting of the firmware, in the order the "he ch" listing prints them.
-const QList<ParameterSpec> &parameterSpecs();
-const ParameterSpec *findParameter(const QString &command);
+const QList<ParameterDef> &parameterDefs();
+const ParameterDef *findParameter(const QString &command);
 
 // The value line the interpreter prints, without its line end: the label in capitals, padded so
 // that the value begins eleven columns after the first letter of the label (seven for the latches).
-QByteArray valueLine(const ParameterSpec &spec, const QString &value);
+QByteArray valueLine(const ParameterDef &def, const QString &value);
 
 // Normalises a value typed after a command; nothing when the firmware refuses it.
-std::optional<QString> normaliseValue(const ParameterSpec &spec, const QString &typed);
+std::optional<QString> normaliseValue(const ParameterDef &def, const QString &typed);
 
 // The numeric value at the front of a text ("12abc" is 12, "9600.5" is 9600, "x" is 0).
 long long leadingNumber(const QString &text, bool *ok = nullptr);

@@ -11,7 +11,7 @@ Scenario Scenario::standard()
 {
     Scenario s;
     s.description = QStringLiteral("One new-case Q4U at address 1, network 37, at 19200,N,8,1.");
-    ModemSpec local;
+    ModemProfile local;
     local.name = QStringLiteral("local");
     local.switchBits = 1; // switch 1 up: the unit runs at its comrate
     s.modems.append(local);
@@ -58,7 +58,7 @@ std::optional<Scenario> Scenario::fromJson(const QByteArray &json, QString *erro
     s.seed = quint32(root.value(QLatin1String("seed")).toInt(1));
     for (const QJsonValue &v : root.value(QLatin1String("modems")).toArray()) {
         const QJsonObject o = v.toObject();
-        ModemSpec m;
+        ModemProfile m;
         m.name = o.value(QLatin1String("name")).toString();
         m.model = o.value(QLatin1String("model")).toString(m.model);
         m.option = o.value(QLatin1String("option")).toInt(m.option);
@@ -87,7 +87,7 @@ std::optional<Scenario> Scenario::fromJson(const QByteArray &json, QString *erro
     }
     for (const QJsonValue &v : root.value(QLatin1String("links")).toArray()) {
         const QJsonObject o = v.toObject();
-        LinkSpec l;
+        LinkProfile l;
         l.from = o.value(QLatin1String("from")).toInt();
         l.to = o.value(QLatin1String("to")).toInt();
         l.microvolts = o.value(QLatin1String("microvolts")).toDouble(l.microvolts);

@@ -15,7 +15,7 @@ struct LinkDrop
 };
 
 // One modem of a scenario, as it comes out of the factory and as the site has set it up.
-struct ModemSpec
+struct ModemProfile
 {
     QString name; // for messages and ground truth
     QString model = QStringLiteral("Q4U");
@@ -36,7 +36,7 @@ struct ModemSpec
 };
 
 // One radio path between two modems, both directions alike.
-struct LinkSpec
+struct LinkProfile
 {
     int from = 0; // addresses
     int to = 0;
@@ -60,9 +60,9 @@ struct Scenario
 {
     QString name = QStringLiteral("standard");
     QString description;
-    QList<ModemSpec> modems;
+    QList<ModemProfile> modems;
     int localIndex = 0;
-    QList<LinkSpec> links;
+    QList<LinkProfile> links;
     QList<InterferenceSpec> interference;
     bool irAdaptor = false; // the computer reaches the modem through the infra-red adaptor
     quint32 seed = 1;       // for noise, losses and retries: a scenario always plays the same way

@@ -58,7 +58,7 @@ qint64 timeOfWrite(const MemoryCommControl &port, const QByteArray &bytes)
 sim::Scenario configuredScenario()
 {
     sim::Scenario s = sim::Scenario::standard();
-    sim::ModemSpec &local = s.modems[0];
+    sim::ModemProfile &local = s.modems[0];
     local.settings = {{u"NETWORK"_s, u"12"_s}, {u"SQUELCH"_s, u"40"_s}, {u"ECHO"_s, u"ON"_s}};
     local.routes = {u"1,5,"_s, u"2,40,41,"_s};
     local.appends = {u"1,1,25,28,*"_s};
@@ -296,12 +296,12 @@ void ProgramTransferTest::readLeftInRemoteModeSkipsTheEntry()
 void ProgramTransferTest::remoteReadEndsTheLinkAndResetsTheLocalModem()
 {
     sim::Scenario s = sim::Scenario::standard();
-    sim::ModemSpec remote;
+    sim::ModemProfile remote;
     remote.name = u"remote"_s;
     remote.settings = {{u"ADDRESS"_s, u"5"_s}, {u"SQUELCH"_s, u"60"_s}};
     remote.routes = {u"1,7,"_s};
     s.modems.append(remote);
-    sim::LinkSpec air;
+    sim::LinkProfile air;
     air.from = 1;
     air.to = 5;
     air.microvolts = 40.0;

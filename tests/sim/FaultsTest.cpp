@@ -121,7 +121,7 @@ private slots:
     void linkDropAndRecoveryAreRecorded()
     {
         Scenario s = Scenario::standard();
-        sim::ModemSpec remote = s.modems[0];
+        sim::ModemProfile remote = s.modems[0];
         remote.settings = {{QStringLiteral("ADDRESS"), QStringLiteral("12")}};
         s.modems.append(remote);
         s.links.append({1, 12, 30.0, 0.0, 0.0, {}});

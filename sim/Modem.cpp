@@ -394,18 +394,24 @@ void Modem::interrupt()
     send(lineEnd() + "CMD:");
 }
 
+Modem::Outcome Modem::executeLine(const QString &line, bool remote, int thinkMs)
+{
+    // Commands joined by ":" run in turn; a refused one stops the rest of the line.
+    Outcome out;
+    out.delayMs = thinkMs;
+    for (const QString &command : line.split(QLatin1Char(':'))) {
+        if (command.trimmed().isEmpty())
+            continue;
+        if (!execute(command.trimmed(), remote, out))
+            break;
+    }
+    return out;
+}
+
 void Modem::runLine(const QString &line)
 {
     m_busy = true;
-    Outcome out;
-    out.delayMs = kThinkMs;
-    const QStringList commands = line.split(QLatin1Char(':'));
-    for (const QString &command : commands) {
-        if (command.trimmed().isEmpty())
-            continue;
-        if (!execute(command.trimmed(), false, out))
-            break;
-    }
+    Outcome out = executeLine(line, false, kThinkMs);
     const quint64 generation = m_generation;
     schedule(out.delayMs + m_extraDelayMs, [this, generation, out] {
         if (generation != m_generation)
@@ -725,15 +731,7 @@ void Modem::streamTick(quint64 generation)
 
 QByteArray Modem::remoteLine(const QString &line, int *delayMs)
 {
-    Outcome out;
-    out.delayMs = kRemoteThinkMs;
-    const QStringList commands = line.split(QLatin1Char(':'));
-    for (const QString &command : commands) {
-        if (command.trimmed().isEmpty())
-            continue;
-        if (!execute(command.trimmed(), true, out))
-            break;
-    }
+    Outcome out = executeLine(line, true, kRemoteThinkMs);
     *delayMs = out.delayMs + m_extraDelayMs;
     if (out.then) {
         // A restart over the air ends the link: nothing comes back.

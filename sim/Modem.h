@@ -108,6 +108,7 @@ private:
     void commandByte(char c);
     void interrupt();
     void runLine(const QString &line);
+    Outcome executeLine(const QString &line, bool remote, int thinkMs);
     void commandDone();
 
     // Executes one ":"-separated command. Returns false when the line must stop there.

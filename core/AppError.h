@@ -17,7 +17,11 @@ namespace AppErrors {
 inline constexpr int Overflow = 6;
 inline constexpr int InvalidProcedureCall = 5;
 inline constexpr int FileNotFound = 53;
+inline constexpr int FileAlreadyOpen = 55;
+inline constexpr int DeviceIo = 57;
+inline constexpr int BadFileName = 64;
 inline constexpr int PermissionDenied = 70;
+inline constexpr int PathFileAccess = 75;
 inline constexpr int PathNotFound = 76;
 inline constexpr int InvalidPropertyValue = 380;
 inline constexpr int PortAlreadyOpen = 8005;

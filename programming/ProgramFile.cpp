@@ -13,7 +13,6 @@
 #include <unistd.h>
 
 namespace {
-constexpr int kDeviceIo = 57;
 const QByteArray kLineEnd = QByteArrayLiteral("\r\n");
 
 bool folderOf(const QString &path)
@@ -69,7 +68,7 @@ QString FileDialogFilter(const QString &barSeparated)
 
 int OpenErrorNumber(int osError, bool folderExists)
 {
-    using namespace ProgramFileErrors;
+    using namespace AppErrors;
     switch (osError) {
     case ENOENT:
         return folderExists ? FileNotFound : PathNotFound;
@@ -91,7 +90,7 @@ int OpenErrorNumber(int osError, bool folderExists)
 
 QString OpenErrorMessage(int number)
 {
-    using namespace ProgramFileErrors;
+    using namespace AppErrors;
     switch (number) {
     case FileNotFound:
         return QStringLiteral("File not found.  Please enter a valid file name.");
@@ -108,7 +107,7 @@ QString OpenErrorMessage(int number)
 
 bool OpenErrorAsksAgain(int number)
 {
-    using namespace ProgramFileErrors;
+    using namespace AppErrors;
     return number == FileNotFound || number == BadFileName || number == PathNotFound;
 }
 
@@ -116,7 +115,7 @@ ProgramFileContents ReadProgramFile(const QString &path)
 {
     ProgramFileContents contents;
     if (path.isEmpty() || path.contains(QChar(0))) {
-        contents.errorNumber = ProgramFileErrors::BadFileName;
+        contents.errorNumber = AppErrors::BadFileName;
         return contents;
     }
     // The descriptor is opened here rather than by QFile so that the system's reason is at hand.
@@ -128,7 +127,7 @@ ProgramFileContents ReadProgramFile(const QString &path)
     QFile file;
     if (!file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
         ::close(fd);
-        contents.errorNumber = ProgramFileErrors::PathFileAccess;
+        contents.errorNumber = AppErrors::PathFileAccess;
         return contents;
     }
     // Once the file is open a read error no longer stops anything: what came before it counts.
@@ -143,9 +142,9 @@ void WriteProgramFile(const QString &path, const QStringList &lines)
         return;
     case WholeFileResult::CannotOpen:
         if (!folderOf(path))
-            throw AppError{ProgramFileErrors::PathNotFound, QStringLiteral("Path not found")};
-        throw AppError{ProgramFileErrors::PathFileAccess, QStringLiteral("Path/File access error")};
+            throw AppError{AppErrors::PathNotFound, QStringLiteral("Path not found")};
+        throw AppError{AppErrors::PathFileAccess, QStringLiteral("Path/File access error")};
     case WholeFileResult::WriteFailed:
-        throw AppError{kDeviceIo, QStringLiteral("Device I/O error")};
+        throw AppError{AppErrors::DeviceIo, QStringLiteral("Device I/O error")};
     }
 }

@@ -17,15 +17,8 @@ QByteArray ProgramFileText(const QStringList &lines);
 // turned into the form the dialog takes ("Text (*.txt);;All (*.*)").
 QString FileDialogFilter(const QString &barSeparated);
 
-// The error numbers that opening a program file can give; Open tells the user about four of them.
-namespace ProgramFileErrors {
-inline constexpr int FileNotFound = 53;
-inline constexpr int FileAlreadyOpen = 55;
-inline constexpr int BadFileName = 64;
-inline constexpr int PermissionDenied = 70;
-inline constexpr int PathFileAccess = 75;
-inline constexpr int PathNotFound = 76;
-} // namespace ProgramFileErrors
+// Opening a program file gives the error numbers of AppErrors (core/AppError.h); Open tells the user
+// about four of them.
 
 // The error number for a failed opening: the system's error code, and whether the folder the
 // name points into exists (a missing file and a missing folder give the same code).

@@ -1,3 +1,4 @@
+#include "SimExchange.h"
 #include "SimulatedModemLink.h"
 
 #include <QTest>
@@ -7,14 +8,6 @@ using sim::Scenario;
 using sim::SimulatedModemLink;
 
 namespace {
-
-QByteArray exchange(SimulatedModemLink &link, const QByteArray &bytes, int waitMs = 1000)
-{
-    link.port().Input();
-    link.port().Output(bytes);
-    link.time().MsDelay(waitMs);
-    return link.port().Input();
-}
 
 QByteArray image(int blocks, const QByteArray &mark)
 {

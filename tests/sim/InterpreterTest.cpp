@@ -1,3 +1,4 @@
+#include "SimExchange.h"
 #include "SimulatedModemLink.h"
 
 #include <QTest>
@@ -6,15 +7,6 @@ using sim::Scenario;
 using sim::SimulatedModemLink;
 
 namespace {
-
-// Sends bytes as one write, lets virtual time run, and returns everything the port received.
-QByteArray exchange(SimulatedModemLink &link, const QByteArray &bytes, int waitMs = 500)
-{
-    link.port().Input();
-    link.port().Output(bytes);
-    link.time().MsDelay(waitMs);
-    return link.port().Input();
-}
 
 // The program's fixed-column cut: the value begins 11 characters after the first letter of the
 // name and runs to the next carriage return; blanks trimmed.

@@ -1,3 +1,4 @@
+#include "SimExchange.h"
 #include "SimulatedModemLink.h"
 
 #include <QTest>
@@ -7,14 +8,6 @@ using sim::Scenario;
 using sim::SimulatedModemLink;
 
 namespace {
-
-QByteArray exchange(SimulatedModemLink &link, const QByteArray &bytes, int waitMs = 1000)
-{
-    link.port().Input();
-    link.port().Output(bytes);
-    link.time().MsDelay(waitMs);
-    return link.port().Input();
-}
 
 // Polls in 100 ms steps, as the program does, until text arrives or time runs out.
 bool waitFor(SimulatedModemLink &link, const QByteArray &text, int timeoutMs, QByteArray *seen = nullptr)

@@ -108,6 +108,8 @@ void CommControl::setInBufferCount(int count)
 
 void CommControl::setAutoProcess(int mode)
 {
+    if (m_autoProcess == kAutoProcessTerminal && mode != kAutoProcessTerminal && m_open)
+        releaseHeldText();
     m_autoProcess = mode;
     // Handing the port back to the terminal shows what arrived meanwhile, as the control would.
     if (mode == kAutoProcessTerminal && !m_inBuffer.isEmpty())

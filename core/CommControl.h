@@ -102,6 +102,9 @@ protected:
     virtual void applyControlLines(bool dtr, bool rts) = 0;
     virtual void applyHandshaking(int code) = 0;
     virtual bool carrierDetect() const = 0;
+    // The program is about to take the port from the terminal: text the device still holds back
+    // for the screen goes there now, not to the program.
+    virtual void releaseHeldText() {}
 
     // Bytes that arrived from the modem.
     void deliver(const QByteArray &bytes);

@@ -8,6 +8,15 @@
 #include <unistd.h>
 
 namespace {
+// Pieces that arrive closer together than this are a stream; typed keys come further apart.
+constexpr qint64 kStreamGapNs = 30'000'000;
+// How long a stream is gathered before the screen gets it: about as often as a scrolling screen
+// is repainted.
+constexpr int kGatherMs = 200;
+// A device that delivers faster than this is no modem on a serial line (at most 115200 bits a
+// second) but a pseudo-terminal or a network bridge: it is read as fast as it delivers.
+constexpr qint64 kSerialLineBytesPerSecond = 4 * 115200 / 10;
+
 QString groupOf(const QString &device)
 {
     struct stat st
@@ -40,8 +49,10 @@ QSerialPort::Parity parityOf(char parity)
 SerialCommControl::SerialCommControl(DeviceResolver resolver, QObject *parent)
     : CommControl(parent), m_resolver(std::move(resolver))
 {
-    connect(&m_serial, &QSerialPort::readyRead, this, [this] { deliver(m_serial.readAll()); });
+    connect(&m_serial, &QSerialPort::readyRead, this, &SerialCommControl::onReadyRead);
     connect(&m_serial, &QSerialPort::errorOccurred, this, &SerialCommControl::onError);
+    m_gather.setSingleShot(true);
+    connect(&m_gather, &QTimer::timeout, this, &SerialCommControl::collect);
 }
 
 SerialCommControl::~SerialCommControl()
@@ -97,7 +108,66 @@ void SerialCommControl::openDevice()
 
 void SerialCommControl::closeDevice()
 {
+    stopGathering();
     m_serial.close();
+}
+
+void SerialCommControl::onReadyRead()
+{
+    // While gathering, the byte that woke the control waits in the buffer for the gathering's end.
+    if (m_collecting || m_gather.isActive())
+        return;
+    const qint64 sinceLastNs = m_lastPiece.isValid() ? m_lastPiece.nsecsElapsed() : kStreamGapNs;
+    const QByteArray bytes = m_serial.readAll();
+    // What follows a quiet spell is shown at once; a stream at the pace of a serial line is gathered.
+    const bool stream = sinceLastNs < kStreamGapNs;
+    const bool lineSpeed = bytes.size() * 1'000'000'000LL < kSerialLineBytesPerSecond * sinceLastNs;
+    hand(bytes, stream && lineSpeed);
+}
+
+void SerialCommControl::hand(const QByteArray &bytes, bool gatherNext)
+{
+    deliver(bytes);
+    m_lastPiece.start();
+    if (gatherNext && PortOpen() && AutoProcess() == kAutoProcessTerminal) {
+        m_serial.setReadBufferSize(1);
+        m_gather.start(kGatherMs);
+    }
+}
+
+void SerialCommControl::collect()
+{
+    stopGathering();
+    if (m_serial.bytesAvailable() == 0)
+        return; // the stream stopped: the next piece is shown at once
+    bool outpaced = false;
+    const QByteArray bytes = readWaiting(outpaced);
+    // A device that had more at once outpaces any serial line: gathering would only hold it up.
+    if (PortOpen())
+        hand(bytes, !outpaced);
+}
+
+QByteArray SerialCommControl::readWaiting(bool &more)
+{
+    m_collecting = true;
+    m_serial.waitForReadyRead(0);
+    more = m_serial.waitForReadyRead(0);
+    m_collecting = false;
+    return m_serial.readAll();
+}
+
+void SerialCommControl::stopGathering()
+{
+    m_gather.stop();
+    m_serial.setReadBufferSize(0);
+}
+
+void SerialCommControl::releaseHeldText()
+{
+    // What the device holds arrived while the terminal had the port.
+    stopGathering();
+    bool more = false;
+    deliver(readWaiting(more));
 }
 
 void SerialCommControl::writeDevice(const QByteArray &bytes)

@@ -3,11 +3,19 @@
 #include "AppError.h"
 #include "CommControl.h"
 
+#include <QElapsedTimer>
 #include <QSerialPort>
+#include <QTimer>
 #include <functional>
 
 // Comm1 over a real serial device. A port number finds its device through a resolver (the port
 // map of the settings file, then the system's serial devices in a stable order).
+//
+// At AutoProcess 3 a modem that keeps talking would wake the program for every line it sends. The
+// control shows what comes after a quiet spell at once (the echo of a typed key); while pieces keep
+// coming it gathers them for a moment and hands them to the screen in one. QSerialPort stops reading the
+// device while its read buffer is full, so a buffer of one byte holds the device until the
+// gathering ends.
 class SerialCommControl : public CommControl
 {
     Q_OBJECT
@@ -30,10 +38,22 @@ protected:
     void applyControlLines(bool dtr, bool rts) override;
     void applyHandshaking(int code) override;
     bool carrierDetect() const override;
+    void releaseHeldText() override;
 
 private:
     void onError(QSerialPort::SerialPortError error);
+    void onReadyRead();
+    // Delivers what was read and, when asked to, gathers what follows.
+    void hand(const QByteArray &bytes, bool gatherNext);
+    // The gathering ended: hands over what came meanwhile.
+    void collect();
+    // Reads what the device holds now, without waiting; more tells whether it had more at once.
+    QByteArray readWaiting(bool &more);
+    void stopGathering();
 
     DeviceResolver m_resolver;
     mutable QSerialPort m_serial; // reading the pins is not const in QSerialPort
+    QTimer m_gather;
+    QElapsedTimer m_lastPiece;
+    bool m_collecting = false;
 };

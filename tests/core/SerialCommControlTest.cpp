@@ -5,6 +5,7 @@
 #include "ScriptedPrompts.h"
 #include "TimeSource.h"
 
+#include <QDeadlineTimer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -18,6 +19,7 @@ private slots:
     void missingDeviceSaysSo();
     void secondOpenIsBusy();
     void sessionReachesPromptOverTty();
+    void streamIsGatheredAndHandedOverWhole();
 };
 
 void SerialCommControlTest::talksBothWays()
@@ -111,6 +113,43 @@ void SerialCommControlTest::sessionReachesPromptOverTty()
     answer.start(5);
     QVERIFY(session.EnterCommandMode());
     QVERIFY(prompts.verify());
+}
+
+void SerialCommControlTest::streamIsGatheredAndHandedOverWhole()
+{
+    PseudoTerminal pty;
+    SerialCommControl comm([&](int) { return pty.slavePath(); });
+    comm.setPortOpen(true);
+    comm.setAutoProcess(CommControl::kAutoProcessTerminal);
+    QByteArray shown;
+    int pieces = 0;
+    QObject::connect(&comm, &CommControl::screenText, [&](const QByteArray &bytes) {
+        shown += bytes;
+        ++pieces;
+    });
+    // A modem printing a line every 5 ms, as at 115200 baud. Right after its last line the program
+    // takes the port, while the control is still gathering.
+    QByteArray sent;
+    int lines = 0;
+    QTimer modem;
+    QObject::connect(&modem, &QTimer::timeout, [&] {
+        const QByteArray line = "LINE " + QByteArray::number(++lines) + " RSSI -71 dBm\r\n";
+        pty.write(line);
+        sent += line;
+        if (lines < 40)
+            return;
+        modem.stop();
+        // Every byte sent is on the screen, in the device, or the one the control holds back.
+        const QDeadlineTimer deadline(5000);
+        while (shown.size() + pty.unread() + 1 < sent.size() && !deadline.hasExpired())
+            ;
+        comm.setAutoProcess(CommControl::kAutoProcessProgram);
+    });
+    modem.start(5);
+    QTRY_VERIFY(!modem.isActive());
+    QCOMPARE(shown, sent);
+    QCOMPARE(comm.InBufferCount(), 0);
+    QVERIFY2(pieces < 10, qPrintable(QStringLiteral("40 lines came in %1 pieces").arg(pieces)));
 }
 
 QTEST_GUILESS_MAIN(SerialCommControlTest)

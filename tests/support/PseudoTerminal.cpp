@@ -1,8 +1,11 @@
 #include "PseudoTerminal.h"
 
+#include <QFile>
 #include <cerrno>
 #include <cstdlib>
+
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -43,6 +46,18 @@ QByteArray PseudoTerminal::readAvailable()
         all.append(buffer, n);
     }
     return all;
+}
+
+int PseudoTerminal::unread() const
+{
+    const int fd = ::open(QFile::encodeName(m_slavePath).constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK);
+    if (fd < 0)
+        return 0;
+    int count = 0;
+    if (::ioctl(fd, FIONREAD, &count) != 0)
+        count = 0;
+    ::close(fd);
+    return count;
 }
 
 void PseudoTerminal::close()

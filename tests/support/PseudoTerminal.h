@@ -16,6 +16,8 @@ public:
     void write(const QByteArray &bytes);
     // What the program wrote so far (non-blocking).
     QByteArray readAvailable();
+    // How many of the bytes written here wait in the device, not yet read by the program.
+    int unread() const;
     // The far side goes away.
     void close();
 

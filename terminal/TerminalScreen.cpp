@@ -21,9 +21,11 @@ namespace {
 // Received text is shown this long after it arrives: soon enough to feel immediate, late enough
 // that a burst is shown once rather than once per arrival.
 constexpr auto kRepaintDelay = 20ms;
-// A steady stream is shown at this pace at most, so that a modem talking at full speed costs a few
-// repaints a second rather than one per line.
+// Changes keep coming (typing, a status line updating in place): they are shown at this pace at most.
 constexpr auto kRepaintGap = 100ms;
+// A screen that scrolls is repainted at this slower pace, so that a modem talking at full speed
+// costs a few repaints a second rather than one per line, and the lines it shows can be taken in.
+constexpr auto kScrollingRepaintGap = 200ms;
 // What one turn of the event loop interprets at most when the shortcut for plain text cannot help,
 // so that a flood of escape sequences never holds the window still.
 constexpr qsizetype kSliceBytes = 256 * 1024;
@@ -32,6 +34,50 @@ constexpr qsizetype kSliceBytes = 256 * 1024;
 constexpr qsizetype kMostPending = 1024 * 1024;
 
 const QLatin1String kLineEnd("\r\n");
+
+// One cell's part of a row picture: where it goes and the glyph picture it comes from.
+struct CellPiece
+{
+    qsizetype offset = 0;
+    const uchar *bits = nullptr;
+    qsizetype stride = 0;
+    size_t bytes = 0;
+};
+
+// Writes a row picture line by line from its cells' glyphs. Cells of the usual width are copied with
+// a fixed size, which the compiler turns into a few moves instead of a call per cell and line.
+template <size_t Bytes>
+void CopyPieces(uchar *bits, qsizetype rowBytes, int lines, const std::vector<CellPiece> &pieces)
+{
+    for (int y = 0; y < lines; ++y, bits += rowBytes) {
+        for (const CellPiece &piece : pieces) {
+            const uchar *source = piece.bits + y * piece.stride;
+            if (Bytes != 0 && piece.bytes == Bytes)
+                std::memcpy(bits + piece.offset, source, Bytes);
+            else
+                std::memcpy(bits + piece.offset, source, piece.bytes);
+        }
+    }
+}
+
+void CopyPieces(uchar *bits, qsizetype rowBytes, int lines, size_t cellBytes,
+                const std::vector<CellPiece> &pieces)
+{
+    switch (cellBytes) {
+    case 24:
+        return CopyPieces<24>(bits, rowBytes, lines, pieces);
+    case 28:
+        return CopyPieces<28>(bits, rowBytes, lines, pieces);
+    case 32:
+        return CopyPieces<32>(bits, rowBytes, lines, pieces);
+    case 36:
+        return CopyPieces<36>(bits, rowBytes, lines, pieces);
+    case 40:
+        return CopyPieces<40>(bits, rowBytes, lines, pieces);
+    default:
+        return CopyPieces<0>(bits, rowBytes, lines, pieces);
+    }
+}
 
 } // namespace
 
@@ -99,7 +145,7 @@ TerminalScreen::TerminalScreen(QWidget *parent) : QAbstractScrollArea(parent)
 
     m_emu.setScrollLimit(kDefaultScrollRows);
     m_clock.start();
-    m_lastProcessMs = -kRepaintGap.count();
+    m_lastProcessMs = -kScrollingRepaintGap.count();
     m_repaint.setSingleShot(true);
     connect(&m_repaint, &QTimer::timeout, this, [this] { process(kSliceBytes); });
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -197,7 +243,8 @@ void TerminalScreen::scheduleRepaint()
     if (m_repaint.isActive())
         return;
     const auto sinceLast = std::chrono::milliseconds(m_clock.elapsed() - m_lastProcessMs);
-    m_repaint.start(std::max<std::chrono::milliseconds>(kRepaintDelay, kRepaintGap - sinceLast));
+    const auto gap = m_lastProcessScrolled ? kScrollingRepaintGap : kRepaintGap;
+    m_repaint.start(std::max<std::chrono::milliseconds>(kRepaintDelay, gap - sinceLast));
 }
 
 void TerminalScreen::flush()
@@ -217,6 +264,7 @@ void TerminalScreen::process(qsizetype maxBytes)
     if (m_emu.takeBells() > 0)
         emit bell();
     const qint64 scrolled = m_emu.takeScrolledLines();
+    m_lastProcessScrolled = scrolled > 0;
     QRect damage = m_emu.takeDamage();
     if (scrolled > 0)
         scrollbackGrew(scrolled);
@@ -530,7 +578,7 @@ const QImage &TerminalScreen::rowImage(RowLook &&look)
     const QSize size(qRound(Columns() * m_cellWidth * ratio), qRound(m_cellHeight * ratio));
     // An evicted row's picture is painted over rather than allocated anew.
     if (slot->image.size() != size || slot->image.devicePixelRatio() != ratio) {
-        slot->image = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        slot->image = QImage(size, QImage::Format_RGB32);
         slot->image.setDevicePixelRatio(ratio);
     }
     renderRow(slot->image, look);
@@ -544,13 +592,9 @@ const QImage &TerminalScreen::cellImage(const GlyphKey &key) const
 {
     if (const auto found = m_cells.constFind(key); found != m_cells.cend())
         return *found;
-    // Many colours and characters make many cells; start afresh rather than grow without end.
-    constexpr qsizetype kMostCells = 4096;
-    if (m_cells.size() >= kMostCells)
-        m_cells.clear();
     const qreal ratio = devicePixelRatioF();
     const int width = qRound(m_cellWidth * ratio) * (key.wide ? 2 : 1);
-    QImage image(width, qRound(m_cellHeight * ratio), QImage::Format_ARGB32_Premultiplied);
+    QImage image(width, qRound(m_cellHeight * ratio), QImage::Format_RGB32);
     image.setDevicePixelRatio(ratio);
     image.fill(QColor(key.bg));
     if (key.ch != U' ' || (key.attrs & (TermCell::Underline | TermCell::Strike))) {
@@ -569,10 +613,25 @@ void TerminalScreen::renderRow(QImage &image, const RowLook &look) const
     const std::vector<TermCell> &cells = look.cells;
     const int columns = int(cells.size());
     const int cellBytes = qRound(m_cellWidth * image.devicePixelRatio()) * 4;
+    const int height = image.height();
     const qsizetype rowBytes = image.bytesPerLine();
     uchar *const bits = image.bits();
     constexpr quint8 kGlyphAttrs = TermCell::Bold | TermCell::Italic | TermCell::Underline | TermCell::Strike;
-    // Neighbouring cells mostly look alike: the colours are worked out again only when the look changes.
+    // Many colours and characters make many cells: start afresh rather than grow without end, but
+    // never within a row, which holds on to the cells it has looked up.
+    constexpr qsizetype kMostCells = 4096;
+    if (m_cells.size() + columns > kMostCells)
+        m_cells.clear();
+    // Neighbouring cells mostly look alike: the colours are worked out again only when the look
+    // changes, and the plain characters of the present look are found without hashing.
+    struct Glyph
+    {
+        const uchar *bits = nullptr;
+        qsizetype stride = 0;
+    };
+    std::array<Glyph, 128> asciiGlyphs;
+    std::vector<CellPiece> pieces;
+    pieces.reserve(size_t(columns));
     TermCell lastLook;
     bool lastSelected = false;
     CellColors colors;
@@ -592,17 +651,24 @@ void TerminalScreen::renderRow(QImage &image, const RowLook &look) const
             lastLook = cell;
             lastSelected = inSelection;
             haveColors = true;
+            asciiGlyphs.fill({});
         }
+        const char32_t ch = cell.ch == 0 ? U' ' : cell.ch;
         const bool wide = cell.ch != 0 && column + 1 < columns && cells[size_t(column + 1)].ch == 0;
-        const GlyphKey key{cell.ch == 0 ? U' ' : cell.ch, colors.fg.rgb(), colors.bg.rgb(),
-                           quint8(cell.attrs & kGlyphAttrs), wide};
-        const QImage &glyph = cellImage(key);
+        const bool isAscii = ch < asciiGlyphs.size() && !wide;
+        Glyph glyph = isAscii ? asciiGlyphs[ch] : Glyph{};
+        if (!glyph.bits) {
+            const QImage &found =
+                cellImage({ch, colors.fg.rgb(), colors.bg.rgb(), quint8(cell.attrs & kGlyphAttrs), wide});
+            glyph = {found.constBits(), found.bytesPerLine()};
+            if (isAscii)
+                asciiGlyphs[ch] = glyph;
+        }
         const qsizetype offset = qsizetype(column) * cellBytes;
-        const size_t bytes = size_t(std::min(glyph.bytesPerLine(), rowBytes - offset));
-        const uchar *source = glyph.constBits();
-        for (int y = 0; y < image.height(); ++y)
-            std::memcpy(bits + y * rowBytes + offset, source + y * glyph.bytesPerLine(), bytes);
+        pieces.push_back(
+            {offset, glyph.bits, glyph.stride, size_t(std::min(glyph.stride, rowBytes - offset))});
     }
+    CopyPieces(bits, rowBytes, height, size_t(cellBytes), pieces);
     if (look.cursorColumn < 0 || look.cursorColumn >= columns)
         return;
     const CellColors plain = FilterColors(defaultFg, defaultBg, filter);

@@ -236,6 +236,7 @@ private:
     std::vector<CachedRow> m_rowCache;
     quint64 m_paintCount = 0;
     qint64 m_lastProcessMs = 0;
+    bool m_lastProcessScrolled = false;
     QElapsedTimer m_clock;
 
     CellPos m_selAnchor;

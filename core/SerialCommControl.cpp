@@ -143,8 +143,7 @@ void SerialCommControl::collect()
     bool outpaced = false;
     const QByteArray bytes = readWaiting(outpaced);
     // A device that had more at once outpaces any serial line: gathering would only hold it up.
-    if (PortOpen())
-        hand(bytes, !outpaced);
+    hand(bytes, !outpaced);
 }
 
 QByteArray SerialCommControl::readWaiting(bool &more)

@@ -2,6 +2,7 @@
 
 #include "AppError.h"
 #include "CommControl.h"
+#include "PortClaim.h"
 #include "Prompts.h"
 #include "TimeSource.h"
 
@@ -103,7 +104,7 @@ void ModemSession::SendText(const QByteArray &text, Way way)
 
 void ModemSession::WaitForBytes(int count)
 {
-    m_comm.setAutoProcess(CommControl::kAutoProcessProgram);
+    PortClaim::takeForProgram(m_comm);
     for (int step = 0; m_comm.InBufferCount() <= count; ++step) {
         MsDelay(kReplyStepMs);
         if (step == kByteWaitSteps)
@@ -118,7 +119,7 @@ void ModemSession::WaitForBytes(int count)
 
 void ModemSession::WaitForBytesOk(int count, bool &ok)
 {
-    m_comm.setAutoProcess(CommControl::kAutoProcessProgram);
+    PortClaim::takeForProgram(m_comm);
     // ok stays as the caller set it when the bytes were there at the first look.
     for (int step = 0; m_comm.InBufferCount() <= count; ++step) {
         MsDelay(kReplyStepMs);
@@ -192,33 +193,12 @@ void ModemSession::wireWrite(const QByteArray &bytes)
 }
 
 namespace {
-// Restores AutoProcess on every way out unless told to keep the port in the program's hands.
-class AutoProcessGuard
-{
-public:
-    explicit AutoProcessGuard(CommControl &comm) : m_comm(comm), m_saved(comm.AutoProcess())
-    {
-        m_comm.setAutoProcess(CommControl::kAutoProcessProgram);
-    }
-    ~AutoProcessGuard()
-    {
-        if (m_restore)
-            m_comm.setAutoProcess(m_saved);
-    }
-    void keepProgramMode() { m_restore = false; }
-
-private:
-    CommControl &m_comm;
-    int m_saved;
-    bool m_restore = true;
-};
-
 bool enterWith(ModemSession &session, const EntryScript &script,
                const std::function<void(const QByteArray &)> &write)
 {
     CommControl &comm = session.Comm1();
     Prompts &prompts = session.prompts();
-    AutoProcessGuard guard(comm);
+    PortClaim claim(comm);
 
     write(QByteArray(1, kCtrlC));
     if (session.WaitForReply(kPrompt, 1000))
@@ -246,7 +226,7 @@ bool enterWith(ModemSession &session, const EntryScript &script,
             return true;
         prompts.MsgBox(script.noFinalText, MsgButtons::OkOnly, MsgIcon::Exclamation, script.noFinalTitle);
         // After this box the port stays in the program's hands; screens have come to rely on it.
-        guard.keepProgramMode();
+        claim.keep();
         return false;
     }
 
@@ -280,7 +260,7 @@ bool ModemSession::EnterCommandModeKeep()
 
 bool ModemSession::ProbeCommandPrompt()
 {
-    AutoProcessGuard guard(m_comm);
+    PortClaim claim(m_comm);
     wireWrite(QByteArray(1, kCtrlC));
     if (WaitForReply(kPrompt, 1000))
         return true;

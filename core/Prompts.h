@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QFont>
 #include <QString>
 #include <optional>
 
-// Every message box, input box and file dialog of the program goes through one Prompts object, so
-// that a test can script the expected texts and answers and a screen never blocks a test run.
+// Every message box, input box and file dialog of the program, and the busy pointer, go through one
+// Prompts object, so that a test can script the expected texts and answers and a screen never blocks
+// a test run.
 
 enum class MsgIcon { None, Critical, Question, Exclamation, Information };
 enum class MsgButtons { OkOnly, OkCancel, AbortRetryIgnore, YesNoCancel, YesNo, RetryCancel };
@@ -25,6 +25,17 @@ struct InputBoxRequest
     QString prompt;
     QString title;
     QString defaultText;
+};
+
+// A font as the dialogs and the settings file know it: family, size in points and style.
+struct FontChoice
+{
+    QString family;
+    double pointSize = 0;
+    bool bold = false;
+    bool italic = false;
+
+    bool operator==(const FontChoice &) const = default;
 };
 
 struct FileDialogRequest
@@ -49,8 +60,11 @@ public:
     virtual std::optional<QString> InputBox(const InputBoxRequest &request) = 0;
     // An empty text when the user cancels.
     virtual QString FileDialog(const FileDialogRequest &request) = 0;
-    virtual std::optional<QFont> FontDialog(const QFont &initial, const QString &title) = 0;
+    virtual std::optional<FontChoice> FontDialog(const FontChoice &initial, const QString &title) = 0;
     virtual void Beep() = 0;
+    // The hourglass: one state of the screen, not a count. Setting it twice and clearing it once gives
+    // the normal pointer back.
+    virtual void setBusy(bool busy) = 0;
 
     MsgAnswer MsgBox(const QString &text, MsgButtons buttons = MsgButtons::OkOnly,
                      MsgIcon icon = MsgIcon::None, const QString &title = {}, int defaultButton = 1)

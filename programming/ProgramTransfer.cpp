@@ -3,9 +3,9 @@
 #include "AppError.h"
 #include "BusyPointer.h"
 #include "CommControl.h"
-#include "CommandListBox.h"
 #include "ModemParams.h"
 #include "ModemSession.h"
+#include "PortClaim.h"
 #include "ProgramListing.h"
 #include "Prompts.h"
 
@@ -15,11 +15,11 @@ const QByteArray kCtrlC = QByteArrayLiteral("\x03");
 const QByteArray kRemotePrompt = QByteArrayLiteral("RPG:");
 } // namespace
 
-void ReadProgram(ModemSession &session, CommandListBox &list)
+void ReadProgram(ModemSession &session, QStringList &list)
 {
     CommControl &comm = session.Comm1();
-    SetBusyPointer();
-    comm.setAutoProcess(CommControl::kAutoProcessProgram);
+    BusyPointer busy(session.prompts());
+    PortClaim::takeForProgram(comm);
     comm.Input();
 
     // A read that fails on the way is not reported: the failing step is passed over.
@@ -30,19 +30,17 @@ void ReadProgram(ModemSession &session, CommandListBox &list)
         const ProgramListing listing = ParseProgramListing(comm.Input());
         if (listing.prompt.isEmpty()) {
             // Nothing more goes out: the link, if there was one, is gone.
-            RestorePointer();
+            session.prompts().setBusy(false);
             session.prompts().MsgBox(QStringLiteral("Lost Link to Remote Varnel"), MsgButtons::OkOnly,
                                      MsgIcon::Exclamation);
             return;
         }
         prompt = listing.prompt;
-        for (const QString &line : listing.lines)
-            list.addLine(line);
+        list += listing.lines;
         // The routes come last, whatever their place in the modem.
         QStringList routes;
         IgnoreErrors([&] { ReadRoutes(session, routes); });
-        for (const QString &line : std::as_const(routes))
-            list.addLine(line);
+        list += routes;
     }
 
     if (prompt == kRemotePrompt) {
@@ -53,45 +51,42 @@ void ReadProgram(ModemSession &session, CommandListBox &list)
     if (session.ProgMode == kRemoteReadMode)
         IgnoreErrors([&] { comm.Output(QByteArrayLiteral("reset\r")); });
     session.ProgMode.clear();
-    RestorePointer();
 }
 
-void DownloadProgram(ModemSession &session, CommandListBox &list)
+int DownloadProgram(ModemSession &session, const QStringList &list,
+                    const std::function<void(int)> &selectLine)
 {
     Prompts &prompts = session.prompts();
-    SetBusyPointer();
-    if (!session.EnterCommandMode()) {
-        RestorePointer();
-        return;
-    }
-    session.Comm1().setAutoProcess(CommControl::kAutoProcessProgram);
+    BusyPointer busy(prompts);
+    if (!session.EnterCommandMode())
+        return -1;
+    PortClaim::takeForProgram(session.Comm1());
 
     // Silence after the factory default does not stop the download.
     Attempt(prompts, [&] { session.SendText(QByteArrayLiteral("FA\r")); });
     session.WaitForReply("Unit Address", session.IrDongleActive ? 4000 : 3000);
 
     // The check for an empty list comes after the reset, and stays there.
-    if (list.count() > 0)
-        list.setListIndex(0);
-    if (list.listIndex() < 0 || list.count() == 0) {
+    if (list.isEmpty()) {
         prompts.MsgBox(QStringLiteral("You Cannot Save.  There Are No Commands In The Command List."),
                        MsgButtons::OkOnly, MsgIcon::Exclamation);
-        RestorePointer();
-        return;
+        return -1;
     }
 
-    for (int i = 0; i < list.count(); ++i) {
-        list.setListIndex(i);
-        const QString line = list.text();
+    for (int i = 0; i < list.size(); ++i) {
+        if (selectLine)
+            selectLine(i);
+        const QString &line = list[i];
         if (line.isEmpty())
             continue;
         Attempt(prompts, [&] { session.SendText(line.toLatin1() + kCr); });
         if (!session.WaitForReplyChecked("CMD:", 1000)) {
             // The refused line stays selected and nothing is saved; the busy pointer stays up.
+            busy.keep();
             prompts.MsgBox(QStringLiteral("Varnel reported error with this command.  Please verify command "
                                           "spelling and useage."),
                            MsgButtons::OkOnly, MsgIcon::Exclamation);
-            return;
+            return i;
         }
     }
 
@@ -100,5 +95,5 @@ void DownloadProgram(ModemSession &session, CommandListBox &list)
         QStringLiteral("Download Complete.\r\nTo Place Varnel in Operation, Set Last Switch (#2 or #8) "
                        "on Serial Port Setup-Switches to ON (Up) Position and Reset Varnel."),
         MsgButtons::OkOnly, MsgIcon::Information);
-    RestorePointer();
+    return -1;
 }

@@ -5,6 +5,7 @@
 #include "CommControl.h"
 #include "CommandListBox.h"
 #include "ModemSession.h"
+#include "PortClaim.h"
 #include "ProgramFile.h"
 #include "ProgramTransfer.h"
 #include "Prompts.h"
@@ -58,7 +59,9 @@ ProgrammingMenu::ProgrammingMenu(ModemSession &session, QWidget *parent)
       // Clear carries the delete button's tool tip word for word.
       m_cmdClear(button(this, "cmdClear", QStringLiteral("Clear List"),
                         QStringLiteral("Deletes Highlighted Command In the List"))),
-      m_cmdreturn(button(this, "cmdreturn", QStringLiteral("Exit to Main Menu")))
+      m_cmdreturn(button(this, "cmdreturn", QStringLiteral("Exit to Main Menu"))),
+      // From here the dialogues of the programming screens read the port, not the terminal.
+      m_port(session.Comm1(), PortClaim::Then::Terminal)
 {
     setObjectName(QStringLiteral("ProgrammingMenu"));
     setWindowTitle(QStringLiteral("Varnel Programming"));
@@ -103,9 +106,7 @@ ProgrammingMenu::ProgrammingMenu(ModemSession &session, QWidget *parent)
     connect(m_cmdClear, &QPushButton::clicked, this, &ProgrammingMenu::SavePrompt);
     connect(m_cmdreturn, &QPushButton::clicked, this, &ProgrammingMenu::close);
 
-    // From here the dialogues of the programming screens read the port, not the terminal.
     m_Label1->setText(welcomeText());
-    m_session.Comm1().setAutoProcess(CommControl::kAutoProcessProgram);
 }
 
 ProgrammingMenu::~ProgrammingMenu() = default;
@@ -267,8 +268,8 @@ void ProgrammingMenu::SaveProgramFile()
 void ProgrammingMenu::OpenProgramFile()
 {
     SavePrompt();
-    SetBusyPointer();
     Prompts &prompts = m_session.prompts();
+    BusyPointer busy(prompts);
     for (;;) {
         FileDialogRequest request;
         request.kind = FileDialogRequest::Kind::Open;
@@ -287,7 +288,6 @@ void ProgrammingMenu::OpenProgramFile()
             m_cmboedit->addLine(line);
         break;
     }
-    RestorePointer();
 }
 
 void ProgrammingMenu::showCustomListing()
@@ -302,12 +302,15 @@ void ProgrammingMenu::showCustomListing()
 void ProgrammingMenu::readFromConnected()
 {
     SavePrompt();
-    ReadProgram(m_session, *m_cmboedit);
+    QStringList lines;
+    ReadProgram(m_session, lines);
+    for (const QString &line : std::as_const(lines))
+        m_cmboedit->addLine(line);
 }
 
 void ProgrammingMenu::downloadToConnected()
 {
-    DownloadProgram(m_session, *m_cmboedit);
+    DownloadProgram(m_session, m_cmboedit->lines(), [this](int index) { m_cmboedit->setListIndex(index); });
 }
 
 void ProgrammingMenu::closeEvent(QCloseEvent *event)
@@ -319,7 +322,7 @@ void ProgrammingMenu::closeEvent(QCloseEvent *event)
         m_cmboedit->clear();
     }
     // Leaving the section gives the port back to the terminal.
-    m_session.Comm1().setAutoProcess(CommControl::kAutoProcessTerminal);
+    m_port.release();
     event->accept();
     emit returnedToMainMenu();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PortClaim.h"
+
 #include <QMainWindow>
 
 class CommandListBox;
@@ -60,4 +62,5 @@ private:
     QPushButton *m_cmddelete;
     QPushButton *m_cmdClear;
     QPushButton *m_cmdreturn;
+    PortClaim m_port;
 };

@@ -14,12 +14,6 @@
 #include <cstdlib>
 
 namespace {
-const QString kCommPort = QStringLiteral("Comm Port");
-const QString kSettings = QStringLiteral("Settings");
-const QString kDtr = QStringLiteral("DTREnable");
-const QString kRts = QStringLiteral("RTSEnable");
-const QString kHandshaking = QStringLiteral("Handshaking");
-
 QComboBox *makeList(QWidget *parent, const char *name, const QStringList &items)
 {
     auto *list = new QComboBox(parent);
@@ -46,11 +40,6 @@ void selectText(QComboBox *list, const QString &text)
     list->setCurrentIndex(index);
 }
 } // namespace
-
-QString PortSection(const CommControl &control)
-{
-    return QStringLiteral("Port_") + control.Tag();
-}
 
 std::function<void()> &MWPort::EndProgram()
 {
@@ -104,43 +93,6 @@ MWPort::MWPort(ModemSession &session, IniFile &ini, QWidget *parent)
     connect(cmdCancel, &QPushButton::clicked, this, &MWPort::reject);
 }
 
-void MWPort::LoadPortSettings(CommControl &control)
-{
-    Attempt(m_session.prompts(), [&] {
-        const bool wasOpen = control.PortOpen();
-        if (wasOpen)
-            control.setPortOpen(false);
-        const QString section = PortSection(control);
-        // Each key is applied as it is read; the first one missing means the setup is not complete.
-        const bool complete = [&] {
-            if (!m_ini.HasKey(section, kCommPort))
-                return false;
-            control.setCommPort(m_ini.GetInt(section, kCommPort, 0));
-            if (!m_ini.HasKey(section, kSettings))
-                return false;
-            control.setSettings(m_ini.GetString(section, kSettings, {}, 20).trimmed());
-            if (!m_ini.HasKey(section, kDtr))
-                return false;
-            control.setDTREnable(IniBool(m_ini.GetString(section, kDtr, {}, 6)));
-            if (!m_ini.HasKey(section, kRts))
-                return false;
-            control.setRTSEnable(IniBool(m_ini.GetString(section, kRts, {}, 6)));
-            if (!m_ini.HasKey(section, kHandshaking))
-                return false;
-            control.setHandshaking(m_ini.GetInt(section, kHandshaking, 0));
-            return true;
-        }();
-        if (complete) {
-            if (wasOpen)
-                control.setPortOpen(true);
-            return;
-        }
-        PortSetupRequired = true;
-        SetPortSettings(control);
-        PortSetupRequired = false;
-    });
-}
-
 void MWPort::fillFrom(CommControl &control)
 {
     for (int n = 1; n <= 16; ++n) {
@@ -160,11 +112,18 @@ void MWPort::fillFrom(CommControl &control)
     ChkHandshakingHardware->setChecked(control.Handshaking() >= 2);
 }
 
-QString MWPort::settingsText() const
+PortChoice MWPort::choice() const
 {
-    return QStringLiteral("%1,%2,%3,%4")
-        .arg(CmbBaudRate->currentText(), CmbParity->currentText().left(1), CmbDataBits->currentText(),
-             CmbStopBits->currentText());
+    PortChoice c;
+    c.commPort = CmbComPort->currentIndex() + 1;
+    c.settings = QStringLiteral("%1,%2,%3,%4")
+                     .arg(CmbBaudRate->currentText(), CmbParity->currentText().left(1),
+                          CmbDataBits->currentText(), CmbStopBits->currentText());
+    c.dtr = ChkDTREnable->isChecked();
+    c.rts = ChkRTSEnable->isChecked();
+    c.handshaking =
+        (ChkHandshakingSoftware->isChecked() ? 1 : 0) + (ChkHandshakingHardware->isChecked() ? 2 : 0);
+    return c;
 }
 
 bool MWPort::SetPortSettings(CommControl &control)
@@ -174,33 +133,11 @@ bool MWPort::SetPortSettings(CommControl &control)
     while (exec() == QDialog::Accepted) {
         // Every accepted port dialog drops the adaptor: its settings no longer fit it.
         m_session.IrDongleActive = false;
-        const QString section = PortSection(control);
-        const int handshaking =
-            (ChkHandshakingSoftware->isChecked() ? 1 : 0) + (ChkHandshakingHardware->isChecked() ? 2 : 0);
-        Attempt(m_session.prompts(), [&] {
-            control.setInputLen(0);
-            control.setInterval(55);
-            control.setSettings(settingsText());
-            control.setDTREnable(ChkDTREnable->isChecked());
-            control.setRTSEnable(ChkRTSEnable->isChecked());
-            control.setHandshaking(handshaking);
-        });
-        m_ini.WriteString(section, kSettings, settingsText());
-        m_ini.WriteString(section, kDtr, IniBoolText(ChkDTREnable->isChecked()));
-        m_ini.WriteString(section, kRts, IniBoolText(ChkRTSEnable->isChecked()));
-        m_ini.WriteString(section, kHandshaking, QString::number(handshaking));
-        const int port = CmbComPort->currentIndex() + 1;
-        try {
-            if (control.PortOpen())
-                control.setPortOpen(false);
-            control.setCommPort(port);
-            control.setPortOpen(true);
-        } catch (const AppError &error) {
-            // The port key is written only once the port opens; the user can try again.
-            m_session.prompts().MsgBox(error.description);
+        if (const auto failure = AcceptPortChoice(control, m_ini, m_session.prompts(), choice())) {
+            // The user can try again.
+            m_session.prompts().MsgBox(*failure);
             continue;
         }
-        m_ini.WriteString(section, kCommPort, QString::number(port));
         return true;
     }
     return false;

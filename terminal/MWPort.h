@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PortSection.h"
+
 #include <QDialog>
 #include <functional>
 
@@ -17,8 +19,6 @@ class MWPort : public QDialog
 public:
     MWPort(ModemSession &session, IniFile &ini, QWidget *parent = nullptr);
 
-    // Applies the saved port section to the control; a missing key brings up the dialog as on a first run.
-    void LoadPortSettings(CommControl &control);
     // Runs the dialog on the control until the user cancels or the port opens with the new settings.
     // Returns whether the settings were accepted.
     bool SetPortSettings(CommControl &control);
@@ -45,11 +45,8 @@ public:
 
 private:
     void fillFrom(CommControl &control);
-    QString settingsText() const;
+    PortChoice choice() const;
 
     ModemSession &m_session;
     IniFile &m_ini;
 };
-
-// The section of a control's port settings: "Port_" and its tag.
-QString PortSection(const CommControl &control);

@@ -4,6 +4,7 @@
 #include "CommControl.h"
 #include "IniFile.h"
 #include "ModemSession.h"
+#include "PortClaim.h"
 #include "Prompts.h"
 #include "TermPalette.h"
 #include "TerminalScreen.h"
@@ -190,8 +191,13 @@ void MWTerm::trySample()
 
 void MWTerm::cmdFont_Click()
 {
-    if (const auto font = m_session.prompts().FontDialog(m_font, QStringLiteral("Font"))) {
-        m_font = *font;
+    const FontChoice current{m_font.family(), m_font.pointSizeF(), m_font.bold(), m_font.italic()};
+    if (const auto chosen = m_session.prompts().FontDialog(current, QStringLiteral("Font"))) {
+        m_font.setFamily(chosen->family);
+        if (chosen->pointSize > 0)
+            m_font.setPointSizeF(chosen->pointSize);
+        m_font.setBold(chosen->bold);
+        m_font.setItalic(chosen->italic);
         trySample();
     }
 }
@@ -238,7 +244,7 @@ void MWTerm::LoadTerminalSettings(TerminalScreen &control)
     control.setAutoSize(true);
     control.setAutoScroll(4);
     port.setRThreshold(0);
-    port.setAutoProcess(CommControl::kAutoProcessTerminal);
+    PortClaim::giveToTerminal(port);
 
     const int emulation = m_ini.GetInt(section, QStringLiteral("Emulation"), 0);
     if (emulation == 0) {

@@ -1,6 +1,7 @@
 #include "Terminal.h"
 
 #include "AppError.h"
+#include "BusyPointer.h"
 #include "ButtonDef.h"
 #include "CaptureFile.h"
 #include "CommControl.h"
@@ -8,6 +9,7 @@
 #include "MWPort.h"
 #include "MWTerm.h"
 #include "ModemSession.h"
+#include "PortClaim.h"
 #include "Prompts.h"
 #include "TermIntro.h"
 #include "TerminalScreen.h"
@@ -28,16 +30,6 @@ namespace {
 
 constexpr int kCaptureStandard = int(CaptureMode::Standard);
 constexpr char kCtrlC = '\x03';
-
-// The hourglass while a modem dialogue runs; the normal pointer on every way out.
-class Hourglass
-{
-public:
-    Hourglass() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~Hourglass() { QApplication::restoreOverrideCursor(); }
-    Hourglass(const Hourglass &) = delete;
-    Hourglass &operator=(const Hourglass &) = delete;
-};
 
 QAction *menuEntry(QMenu *menu, const QString &name, const QString &caption, const QKeySequence &key = {})
 {
@@ -218,8 +210,12 @@ void Terminal::Load()
 {
     LoadAppSettings(m_ini, Settings);
     applyButtons();
-    MWPort port(m_session, m_ini, this);
-    port.LoadPortSettings(Comm1());
+    LoadPortSettings(Comm1(), m_ini, m_session.prompts(), [this] {
+        // A first run, or a key gone from the file: the port dialog asks, and may end the program.
+        MWPort port(m_session, m_ini, this);
+        port.PortSetupRequired = true;
+        port.SetPortSettings(Comm1());
+    });
     setPortTitle();
     Attempt(m_session.prompts(), [&] {
         if (!Comm1().PortOpen())
@@ -366,12 +362,12 @@ void Terminal::mnusetfreq_Click()
 {
     if (!openChooseFreqType)
         return;
-    Hourglass hourglass;
-    Comm1().setAutoProcess(CommControl::kAutoProcessProgram);
-    if (!m_session.EnterCommandMode()) {
-        Comm1().setAutoProcess(CommControl::kAutoProcessTerminal);
+    BusyPointer busy(m_session.prompts());
+    PortClaim claim(Comm1(), PortClaim::Then::Terminal);
+    if (!m_session.EnterCommandMode())
         return;
-    }
+    // The frequency screen holds the port from here and gives it back when it unloads.
+    claim.keep();
     openChooseFreqType();
 }
 
@@ -380,10 +376,10 @@ void Terminal::mnuDiag_Click()
     if (!openDiagnostics)
         return;
     {
-        Hourglass hourglass;
+        BusyPointer busy(m_session.prompts());
         if (!m_session.EnterCommandModeKeep())
             return;
-        Comm1().setAutoProcess(CommControl::kAutoProcessProgram);
+        PortClaim::takeForProgram(Comm1());
         openDiagnostics();
     }
     hide();
@@ -391,28 +387,17 @@ void Terminal::mnuDiag_Click()
 
 void Terminal::mnudongle_Click()
 {
-    Comm1().setAutoProcess(CommControl::kAutoProcessProgram);
+    PortClaim claim(Comm1(), PortClaim::Then::Terminal);
     m_session.InitIrDongle();
     if (m_session.IrDongleActive) {
         setWindowTitle(QStringLiteral("COM%1: Using IR Dongle").arg(Comm1().CommPort()));
         Attempt(m_session.prompts(), [&] { Comm1().Output(QByteArray(1, kCtrlC)); });
     }
-    Comm1().setAutoProcess(CommControl::kAutoProcessTerminal);
-}
-
-void Terminal::sendByWay(const QByteArray &text)
-{
-    Attempt(m_session.prompts(), [&] {
-        if (m_session.IrDongleActive)
-            m_session.SendSlow(text);
-        else
-            Comm1().Output(text);
-    });
 }
 
 void Terminal::mnutest_Click()
 {
-    sendByWay(QByteArray(kTestString));
+    Attempt(m_session.prompts(), [&] { m_session.SendText(QByteArray(kTestString)); });
 }
 
 void Terminal::mnuCtrlC_Click()
@@ -421,7 +406,7 @@ void Terminal::mnuCtrlC_Click()
     // second later.
     Attempt(m_session.prompts(), [&] { Comm1().Output(QByteArray(1, kCtrlC)); });
     m_session.MsDelay(100);
-    sendByWay(QByteArrayLiteral("Disconnect\r"));
+    Attempt(m_session.prompts(), [&] { m_session.SendText(QByteArrayLiteral("Disconnect\r")); });
 }
 
 void Terminal::MSetup_Click(int index)
@@ -515,10 +500,10 @@ void Terminal::Comm1_DblClick()
     if (!showModelOptions)
         return;
     {
-        Hourglass hourglass;
+        BusyPointer busy(m_session.prompts());
         showModelOptions();
     }
-    Comm1().setAutoProcess(CommControl::kAutoProcessTerminal);
+    PortClaim::giveToTerminal(Comm1());
 }
 
 void Terminal::keyPressEvent(QKeyEvent *event)

@@ -131,8 +131,6 @@ private:
     void Comm1_DblClick();
     void Comm1_Receive();
     void openButtonDef(int index);
-    // Sends a text by one write, or by SendSlow while the adaptor carries the link.
-    void sendByWay(const QByteArray &text);
 
     ModemSession &m_session;
     IniFile &m_ini;

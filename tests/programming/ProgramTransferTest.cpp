@@ -25,12 +25,6 @@ const QString kComplete =
     "Serial Port Setup-Switches to ON (Up) Position and Reset Varnel."_s;
 const QString kLostLink = u"Lost Link to Remote Varnel"_s;
 
-bool busyPointer()
-{
-    const QCursor *cursor = QApplication::overrideCursor();
-    return cursor && cursor->shape() == Qt::WaitCursor;
-}
-
 // Every write on the wire, one entry per write, bytes as they went.
 QList<QByteArray> writes(const MemoryCommControl &port)
 {
@@ -100,7 +94,7 @@ struct ScriptRig
     ScriptedModem modem{port, time};
     ScriptedPrompts prompts{&time};
     ModemSession session{port, time, prompts};
-    CommandListBox list;
+    QStringList list;
 
     ScriptRig()
     {
@@ -157,7 +151,7 @@ void ProgramTransferTest::readTakesTheListingThenTheRoutes()
     QCOMPARE(rig.list().lines(), (QStringList{u"NETWORK 12"_s, u"SQUELCH 40"_s, u"ROUTE 1,5,"_s,
                                               u"ROUTE 2,40,41,"_s, u"APPEND 1,1,25,28,*"_s}));
     QCOMPARE(rig.session.ProgMode, QString());
-    QVERIFY(!busyPointer());
+    QVERIFY(!rig.prompts.busy());
     // Reading changes nothing in the modem.
     QVERIFY(rig.link.truth().factoryDefaults.isEmpty());
     QCOMPARE(rig.link.local().value(u"NETWORK"_s), u"12"_s);
@@ -213,7 +207,7 @@ void ProgramTransferTest::readOfAReplyWithoutFinalCarriageReturn()
     ReadProgram(rig.session, rig.list);
     QVERIFY(rig.prompts.verify());
     // The tail of the reply is kept as it stands, then the route.
-    QCOMPARE(rig.list.lines(), (QStringList{u"ADDRESS 5"_s, u"RK 37"_s, u"ROUTE 1,5,"_s}));
+    QCOMPARE(rig.list, (QStringList{u"ADDRESS 5"_s, u"RK 37"_s, u"ROUTE 1,5,"_s}));
     QCOMPARE(rig.port.writes(), (QList<QByteArray>{"\x03", "he ch\r", "route\r", "append\r"}));
 }
 
@@ -235,27 +229,27 @@ void ProgramTransferTest::readKeepsOneHundredAndOneLines()
     ReadProgram(rig.session, rig.list);
     QVERIFY(rig.prompts.verify());
     expected << u"ROUTE 1,5,"_s << u"APPEND 1,1,25,28,*"_s;
-    QCOMPARE(rig.list.lines(), expected);
+    QCOMPARE(rig.list, expected);
 }
 
 void ProgramTransferTest::readWithoutAPromptReportsALostLink()
 {
     ScriptRig rig;
     rig.session.ProgMode = u"Command"_s;
-    rig.list.addLine(u"KEPT 1"_s);
+    rig.list.append(u"KEPT 1"_s);
     rig.modem.answer("\x03", "\r\nCMD:");
     rig.modem.answer("he ch\r", "he ch\r\nADDRESS 5\r\nNETWORK 37\r\n");
     rig.prompts.expectMsgBox(kLostLink)
         .withIcon(MsgIcon::Exclamation)
         .withButtons(MsgButtons::OkOnly)
-        .then([] {
+        .then([&rig] {
             // The pointer is back before the box shows.
-            QVERIFY(!busyPointer());
+            QVERIFY(!rig.prompts.busy());
         });
     ReadProgram(rig.session, rig.list);
     QVERIFY(rig.prompts.verify());
     QCOMPARE(rig.port.writes(), (QList<QByteArray>{"\x03", "he ch\r"}));
-    QCOMPARE(rig.list.lines(), QStringList{u"KEPT 1"_s});
+    QCOMPARE(rig.list, QStringList{u"KEPT 1"_s});
     QCOMPARE(rig.session.ProgMode, u"Command"_s);
 }
 
@@ -277,7 +271,7 @@ void ProgramTransferTest::readWhenTheModemDoesNotAnswer()
     QCOMPARE(writes(rig.port()), (QList<QByteArray>{"\x03", "\x03\r", "\x03"}));
     QCOMPARE(rig.list().count(), 0);
     QCOMPARE(rig.session.ProgMode, QString());
-    QVERIFY(!busyPointer());
+    QVERIFY(!rig.prompts.busy());
 }
 
 void ProgramTransferTest::readLeftInRemoteModeSkipsTheEntry()
@@ -315,16 +309,17 @@ void ProgramTransferTest::remoteReadEndsTheLinkAndResetsTheLocalModem()
     const int resetsBefore = int(rig.link.truth().resets.size());
 
     rig.session.ProgMode = kRemoteReadMode;
-    ReadProgram(rig.session, rig.list());
+    QStringList read;
+    ReadProgram(rig.session, read);
     QVERIFY(rig.prompts.verify());
     QCOMPARE(writes(rig.port()), (QList<QByteArray>{"he ch\r", "route\r", "append\r", "\x03", "reset\r"}));
-    QCOMPARE(rig.list().lines(), (QStringList{u"ADDRESS 5"_s, u"SQUELCH 60"_s, u"ROUTE 1,7,"_s}));
+    QCOMPARE(read, (QStringList{u"ADDRESS 5"_s, u"SQUELCH 60"_s, u"ROUTE 1,7,"_s}));
     QCOMPARE(rig.session.ProgMode, QString());
     // The reset went to the local modem, after the link had ended.
     rig.link.time().advance(1000);
     QCOMPARE(rig.link.truth().resets.size(), resetsBefore + 1);
     QCOMPARE(rig.link.truth().resets.last().second, 1);
-    QVERIFY(!busyPointer());
+    QVERIFY(!rig.prompts.busy());
 }
 
 void ProgramTransferTest::remoteReadWithoutAPromptSendsNothingMore()
@@ -338,7 +333,7 @@ void ProgramTransferTest::remoteReadWithoutAPromptSendsNothingMore()
     // No Ctrl-C, no reset: the link is taken to be gone.
     QCOMPARE(rig.port.writes(), QList<QByteArray>{"he ch\r"});
     QCOMPARE(rig.session.ProgMode, kRemoteReadMode);
-    QCOMPARE(rig.list.count(), 0);
+    QCOMPARE(rig.list.size(), 0);
 }
 
 void ProgramTransferTest::downloadResetsThenSendsEveryLineAndSaves()
@@ -361,7 +356,7 @@ void ProgramTransferTest::downloadResetsThenSendsEveryLineAndSaves()
     QCOMPARE(modem.savedValue(u"NETWORK"_s), u"12"_s);
     QCOMPARE(modem.savedValue(u"SQUELCH"_s), u"40"_s);
     QCOMPARE(modem.routes(), QStringList{u"1,5,"_s});
-    QVERIFY(!busyPointer());
+    QVERIFY(!rig.prompts.busy());
     // The list stays as it was, its last line selected.
     QCOMPARE(rig.list().count(), 3);
     QCOMPARE(rig.list().listIndex(), 2);
@@ -400,7 +395,7 @@ void ProgramTransferTest::downloadStopsAtARefusedLine()
     QCOMPARE(rig.list().listIndex(), 2);
     QCOMPARE(rig.list().text(), u"BOGUS 1"_s);
     // The busy pointer is left up on this path.
-    QVERIFY(busyPointer());
+    QVERIFY(rig.prompts.busy());
 }
 
 void ProgramTransferTest::downloadOfAnEmptyListResetsTheModemFirst()
@@ -412,7 +407,7 @@ void ProgramTransferTest::downloadOfAnEmptyListResetsTheModemFirst()
     QCOMPARE(writes(rig.port()), (QList<QByteArray>{"\x03", "FA\r"}));
     QCOMPARE(rig.link.truth().factoryDefaults.size(), 1);
     QVERIFY(rig.link.truth().factoryDefaults.first().first < rig.prompts.shown().first().atMs);
-    QVERIFY(!busyPointer());
+    QVERIFY(!rig.prompts.busy());
 }
 
 void ProgramTransferTest::downloadPassesOverEmptyLines()
@@ -444,7 +439,7 @@ void ProgramTransferTest::downloadOverTheAdaptor()
     rig.modem.answer("\x03", "\r\nCMD:");
     rig.modem.answer("NET 12\r", "\r\nCMD:");
     rig.prompts.expectMsgBox(kComplete);
-    rig.list.addLine(u"NET 12"_s);
+    rig.list.append(u"NET 12"_s);
     DownloadProgram(rig.session, rig.list);
     QVERIFY(rig.prompts.verify());
 
@@ -482,7 +477,7 @@ void ProgramTransferTest::downloadWhenTheModemDoesNotAnswer()
     QVERIFY(rig.prompts.verify());
     // The factory default of the entry routine's second try, and nothing of the download.
     QCOMPARE(writes(rig.port()), (QList<QByteArray>{"\x03", "FA\r", "FA\r"}));
-    QVERIFY(!busyPointer());
+    QVERIFY(!rig.prompts.busy());
 }
 
 QTEST_MAIN(ProgramTransferTest)

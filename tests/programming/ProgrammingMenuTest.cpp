@@ -419,7 +419,7 @@ void ProgrammingMenuTest::openReplacesTheListByTheFile()
     QVERIFY(rig.prompts.verify());
     // The file's lines stand alone, blank ones dropped and the line of blanks kept.
     QCOMPARE(rig.list().lines(), (QStringList{u"ADD 5"_s, u"  "_s, u"route 1,2"_s}));
-    QCOMPARE(QApplication::overrideCursor(), nullptr);
+    QVERIFY(!rig.prompts.busy());
 }
 
 void ProgrammingMenuTest::openPresetsABlankNameAndItsFilter()
@@ -429,15 +429,14 @@ void ProgrammingMenuTest::openPresetsABlankNameAndItsFilter()
     rig.prompts.expectFileDialog(std::nullopt).then([&] {
         seen = rig.prompts.lastFileDialog();
         // The pointer shows busy while the dialog is up.
-        QVERIFY(QApplication::overrideCursor());
-        QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+        QVERIFY(rig.prompts.busy());
     });
     rig.entry("mnuopen")->trigger();
     QVERIFY(rig.prompts.verify());
     QVERIFY(seen.kind == FileDialogRequest::Kind::Open);
     QCOMPARE(seen.fileName, u" "_s);
     QCOMPARE(seen.filter, u"Varnel Commands (*.nvc);;Text (*.txt);;All (*.*)"_s);
-    QCOMPARE(QApplication::overrideCursor(), nullptr);
+    QVERIFY(!rig.prompts.busy());
 }
 
 void ProgrammingMenuTest::openWithCancelLeavesAnEmptyList_data()
@@ -459,7 +458,7 @@ void ProgrammingMenuTest::openWithCancelLeavesAnEmptyList()
     rig.entry("mnuopen")->trigger();
     QVERIFY(rig.prompts.verify());
     QCOMPARE(rig.list().count(), 0);
-    QCOMPARE(QApplication::overrideCursor(), nullptr);
+    QVERIFY(!rig.prompts.busy());
 }
 
 void ProgrammingMenuTest::openOfTheBlankNameReadsNothing()
@@ -511,7 +510,7 @@ void ProgrammingMenuTest::openOfAFolderReadsNothingAndSaysNothing()
     rig.entry("mnuopen")->trigger();
     QVERIFY(rig.prompts.verify());
     QCOMPARE(rig.list().count(), 0);
-    QCOMPARE(QApplication::overrideCursor(), nullptr);
+    QVERIFY(!rig.prompts.busy());
 }
 
 void ProgrammingMenuTest::saveOfAnEmptyListGivesTheErrorBox()

@@ -97,7 +97,7 @@ ScriptedPrompts::Expectation &ScriptedPrompts::expectFileDialog(std::optional<QS
     return m_script.last();
 }
 
-ScriptedPrompts::Expectation &ScriptedPrompts::expectFontDialog(std::optional<QFont> font)
+ScriptedPrompts::Expectation &ScriptedPrompts::expectFontDialog(std::optional<FontChoice> font)
 {
     Expectation e;
     e.kind = Expectation::Kind::FontDialog;
@@ -202,7 +202,7 @@ QString ScriptedPrompts::FileDialog(const FileDialogRequest &request)
     return e->reply.value_or(QString());
 }
 
-std::optional<QFont> ScriptedPrompts::FontDialog(const QFont &, const QString &title)
+std::optional<FontChoice> ScriptedPrompts::FontDialog(const FontChoice &, const QString &title)
 {
     record(Expectation::Kind::FontDialog, title, title);
     auto e = take(Expectation::Kind::FontDialog, title);

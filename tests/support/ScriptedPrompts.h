@@ -23,9 +23,9 @@ public:
         std::optional<QString> title;
         std::optional<int> defaultButton;
         MsgAnswer answer = MsgAnswer::Ok;
-        std::optional<QString> reply; // input box text, file name; nullopt: cancel
-        std::optional<QFont> font;    // font dialog answer
-        std::function<void()> onShow; // runs when the box is shown, before it is answered
+        std::optional<QString> reply;   // input box text, file name; nullopt: cancel
+        std::optional<FontChoice> font; // font dialog answer
+        std::function<void()> onShow;   // runs when the box is shown, before it is answered
 
         Expectation &withIcon(MsgIcon i)
         {
@@ -71,7 +71,7 @@ public:
     Expectation &expectMsgBox(const QString &text, MsgAnswer answer = MsgAnswer::Ok);
     Expectation &expectInputBox(const QString &prompt, std::optional<QString> reply);
     Expectation &expectFileDialog(std::optional<QString> fileName, const QString &title = {});
-    Expectation &expectFontDialog(std::optional<QFont> font);
+    Expectation &expectFontDialog(std::optional<FontChoice> font);
 
     // True when every expectation was met; reports what is left to the running test otherwise.
     bool verify();
@@ -83,8 +83,11 @@ public:
     MsgAnswer MsgBox(const MsgBoxRequest &request) override;
     std::optional<QString> InputBox(const InputBoxRequest &request) override;
     QString FileDialog(const FileDialogRequest &request) override;
-    std::optional<QFont> FontDialog(const QFont &initial, const QString &title) override;
+    std::optional<FontChoice> FontDialog(const FontChoice &initial, const QString &title) override;
     void Beep() override { ++m_beeps; }
+    void setBusy(bool busy) override { m_busy = busy; }
+    // Whether the hourglass is up now.
+    bool busy() const { return m_busy; }
     using Prompts::InputBox;
     using Prompts::MsgBox;
 
@@ -101,6 +104,7 @@ private:
     QList<Shown> m_shown;
     FileDialogRequest m_lastFileDialog;
     int m_beeps = 0;
+    bool m_busy = false;
 };
 
 const char *toString(MsgIcon icon);

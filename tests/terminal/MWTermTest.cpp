@@ -212,11 +212,7 @@ void MWTermTest::cancelDropsTheChanges()
 void MWTermTest::fontDialog()
 {
     Window w;
-    QFont chosen = w.screen().font();
-    chosen.setPointSizeF(12.5);
-    chosen.setBold(true);
-    chosen.setItalic(true);
-    w.rig.prompts.expectFontDialog(chosen);
+    w.rig.prompts.expectFontDialog(FontChoice{w.screen().font().family(), 12.5, true, true});
     w.rig.prompts.expectFontDialog(std::nullopt);
     whenModal([](QWidget *dialog) {
         auto *d = qobject_cast<MWTerm *>(dialog);

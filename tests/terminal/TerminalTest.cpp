@@ -781,7 +781,7 @@ void TerminalTest::setFrequencyEntersCommandModeFirst()
     t.window.mnusetfreq->trigger();
     QCOMPARE(t.writes().first(), QByteArray("\x03"));
     QCOMPARE(autoProcessAtScreen, 0);
-    QVERIFY(!QGuiApplication::overrideCursor());
+    QVERIFY(!t.rig.prompts.busy());
 }
 
 void TerminalTest::setFrequencyWithSilentModem()
@@ -802,7 +802,7 @@ void TerminalTest::setFrequencyWithSilentModem()
     QVERIFY(t.rig.prompts.verify());
     QVERIFY(!opened);
     QCOMPARE(t.rig.port.AutoProcess(), 3);
-    QVERIFY(!QGuiApplication::overrideCursor());
+    QVERIFY(!t.rig.prompts.busy());
 }
 
 void TerminalTest::diagnosticsEntry()
@@ -816,7 +816,7 @@ void TerminalTest::diagnosticsEntry()
     t.window.mnuDiag->trigger();
     QCOMPARE(autoProcessAtDiagnostics, 0);
     QVERIFY(!t.window.isVisible());
-    QVERIFY(!QGuiApplication::overrideCursor());
+    QVERIFY(!t.rig.prompts.busy());
 }
 
 void TerminalTest::doubleClickShowsModelOptions()
@@ -827,13 +827,13 @@ void TerminalTest::doubleClickShowsModelOptions()
     int shown = 0;
     t.window.showModelOptions = [&] {
         ++shown;
-        QVERIFY(QGuiApplication::overrideCursor());
+        QVERIFY(t.rig.prompts.busy());
         t.rig.port.setAutoProcess(CommControl::kAutoProcessProgram);
     };
     QTest::mouseDClick(screen.viewport(), Qt::LeftButton);
     QCOMPARE(shown, 1);
     QCOMPARE(t.rig.port.AutoProcess(), 3);
-    QVERIFY(!QGuiApplication::overrideCursor());
+    QVERIFY(!t.rig.prompts.busy());
 }
 
 void TerminalTest::aboutBox()

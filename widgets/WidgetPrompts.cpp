@@ -114,16 +114,33 @@ QString WidgetPrompts::FileDialog(const FileDialogRequest &request)
     return dialog.selectedFiles().first();
 }
 
-std::optional<QFont> WidgetPrompts::FontDialog(const QFont &initial, const QString &title)
+std::optional<FontChoice> WidgetPrompts::FontDialog(const FontChoice &initial, const QString &title)
 {
+    QFont start(initial.family);
+    if (initial.pointSize > 0)
+        start.setPointSizeF(initial.pointSize);
+    start.setBold(initial.bold);
+    start.setItalic(initial.italic);
     bool ok = false;
-    const QFont font = QFontDialog::getFont(&ok, initial, QApplication::activeWindow(), title);
+    const QFont font = QFontDialog::getFont(&ok, start, QApplication::activeWindow(), title);
     if (!ok)
         return std::nullopt;
-    return font;
+    return FontChoice{font.family(), font.pointSizeF(), font.bold(), font.italic()};
 }
 
 void WidgetPrompts::Beep()
 {
     QApplication::beep();
+}
+
+void WidgetPrompts::setBusy(bool busy)
+{
+    if (!busy) {
+        while (QApplication::overrideCursor())
+            QApplication::restoreOverrideCursor();
+    } else if (QApplication::overrideCursor()) {
+        QApplication::changeOverrideCursor(Qt::WaitCursor);
+    } else {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    }
 }

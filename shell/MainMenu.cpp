@@ -1,8 +1,10 @@
 #include "MainMenu.h"
 
 #include "AppError.h"
+#include "BusyPointer.h"
 #include "CommControl.h"
 #include "ModemSession.h"
+#include "PortClaim.h"
 #include "ProgrammingMenu.h"
 #include "Prompts.h"
 #include "Terminal.h"
@@ -32,13 +34,6 @@ QPixmap menuPicture()
     painter.drawText(picture.rect(), Qt::AlignCenter, QStringLiteral("Varnel Model Q40"));
     return picture;
 }
-
-class BusyPointer
-{
-public:
-    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
-};
 } // namespace
 
 MainMenu::MainMenu(ModemSession &session, IniFile &ini, QWidget *parent)
@@ -145,7 +140,7 @@ void MainMenu::Load()
 
 void MainMenu::sectionEnded()
 {
-    m_session.Comm1().setAutoProcess(CommControl::kAutoProcessTerminal);
+    PortClaim::giveToTerminal(m_session.Comm1());
     setVisible(true);
 }
 
@@ -153,14 +148,14 @@ void MainMenu::cmdStartOut_Click()
 {
     if (!openStartingOut)
         return;
-    BusyPointer busy;
+    BusyPointer busy(m_session.prompts());
     openStartingOut();
     setVisible(false);
 }
 
 void MainMenu::cmdDiags_Click()
 {
-    BusyPointer busy;
+    BusyPointer busy(m_session.prompts());
     // A false result leaves the user here; the boxes of the entry routine have said why.
     if (m_session.EnterCommandModeKeep() && openDiagnostics) {
         openDiagnostics();
@@ -191,7 +186,7 @@ void MainMenu::cmdTermEm_Click()
     m_terminal->FocusComm1();
     // A carriage return makes the modem show a fresh prompt on the screen.
     IgnoreErrors([&] { comm.Output(QByteArrayLiteral("\r")); });
-    comm.setAutoProcess(CommControl::kAutoProcessTerminal);
+    PortClaim::giveToTerminal(comm);
     setVisible(false);
     m_terminal->ShowTermIntro();
 }

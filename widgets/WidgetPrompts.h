@@ -11,8 +11,9 @@ public:
     MsgAnswer MsgBox(const MsgBoxRequest &request) override;
     std::optional<QString> InputBox(const InputBoxRequest &request) override;
     QString FileDialog(const FileDialogRequest &request) override;
-    std::optional<QFont> FontDialog(const QFont &initial, const QString &title) override;
+    std::optional<FontChoice> FontDialog(const FontChoice &initial, const QString &title) override;
     void Beep() override;
+    void setBusy(bool busy) override;
     using Prompts::InputBox;
     using Prompts::MsgBox;
 };

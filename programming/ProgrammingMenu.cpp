@@ -5,6 +5,7 @@
 #include "CommControl.h"
 #include "CommandListBox.h"
 #include "ModemSession.h"
+#include "Named.h"
 #include "PortClaim.h"
 #include "ProgramFile.h"
 #include "ProgramTransfer.h"
@@ -42,8 +43,7 @@ QString welcomeText()
 
 QPushButton *button(QWidget *parent, const char *name, const QString &caption, const QString &toolTip = {})
 {
-    auto *b = new QPushButton(caption, parent);
-    b->setObjectName(QLatin1String(name));
+    auto *b = named<QPushButton>(name, caption, parent);
     b->setToolTip(toolTip);
     return b;
 }
@@ -111,106 +111,91 @@ ProgrammingMenu::ProgrammingMenu(ModemSession &session, QWidget *parent)
 
 ProgrammingMenu::~ProgrammingMenu() = default;
 
-QMenu *ProgrammingMenu::addMenu(QMenu *parent, const char *name, const QString &caption)
-{
-    QMenu *menu = parent ? parent->addMenu(caption) : menuBar()->addMenu(caption);
-    menu->setObjectName(QLatin1String(name));
-    menu->menuAction()->setObjectName(QLatin1String(name));
-    return menu;
-}
-
-QAction *ProgrammingMenu::addEntry(QMenu *menu, const char *name, const QString &caption)
-{
-    QAction *action = menu->addAction(caption);
-    action->setObjectName(QLatin1String(name));
-    return action;
-}
-
 void ProgrammingMenu::buildMenus()
 {
     // The entries built here lead to what this screen does itself. The others stand in the menu
     // disabled until the dialog or form they open is part of the program.
     const auto later = [](QAction *action) { action->setEnabled(false); };
 
-    QMenu *mnufile = addMenu(nullptr, "mnufile", QStringLiteral("&File"));
-    connect(addEntry(mnufile, "mnuopen", QStringLiteral("Open Program File")), &QAction::triggered, this,
+    QMenu *mnufile = namedMenu(menuBar(), "mnufile", QStringLiteral("&File"));
+    connect(namedEntry(mnufile, "mnuopen", QStringLiteral("Open Program File")), &QAction::triggered, this,
             &ProgrammingMenu::OpenProgramFile);
-    connect(addEntry(mnufile, "mnusave2", QStringLiteral("Save Program File")), &QAction::triggered, this,
+    connect(namedEntry(mnufile, "mnusave2", QStringLiteral("Save Program File")), &QAction::triggered, this,
             &ProgrammingMenu::SaveProgramFile);
-    QMenu *mnuread = addMenu(mnufile, "mnuread", QStringLiteral("&Read Program From Varnel"));
-    connect(addEntry(mnuread, "mnureadconn", QStringLiteral("Read from Connected Varnel")),
+    QMenu *mnuread = namedMenu(mnufile, "mnuread", QStringLiteral("&Read Program From Varnel"));
+    connect(namedEntry(mnuread, "mnureadconn", QStringLiteral("Read from Connected Varnel")),
             &QAction::triggered, this, &ProgrammingMenu::readFromConnected);
-    later(addEntry(mnuread, "mnureadremote", QStringLiteral("Read from Remote Varnel")));
-    QMenu *mnusave = addMenu(mnufile, "mnusave", QStringLiteral("&Save Program To Varnel "));
-    connect(addEntry(mnusave, "mnuconnected", QStringLiteral("To Connected Varnel ")), &QAction::triggered,
+    later(namedEntry(mnuread, "mnureadremote", QStringLiteral("Read from Remote Varnel")));
+    QMenu *mnusave = namedMenu(mnufile, "mnusave", QStringLiteral("&Save Program To Varnel "));
+    connect(namedEntry(mnusave, "mnuconnected", QStringLiteral("To Connected Varnel ")), &QAction::triggered,
             this, &ProgrammingMenu::downloadToConnected);
-    later(addEntry(mnusave, "mnuremote", QStringLiteral("To Remote Varnel")));
-    connect(addEntry(mnufile, "mnuclear", QStringLiteral("Clear Command List")), &QAction::triggered, this,
+    later(namedEntry(mnusave, "mnuremote", QStringLiteral("To Remote Varnel")));
+    connect(namedEntry(mnufile, "mnuclear", QStringLiteral("Clear Command List")), &QAction::triggered, this,
             &ProgrammingMenu::SavePrompt);
-    mnufile->addSeparator()->setObjectName(QStringLiteral("mnudash11"));
-    connect(addEntry(mnufile, "mnuMainmenu8", QStringLiteral("Return to Main Menu")), &QAction::triggered,
+    namedSeparator(mnufile, "mnudash11");
+    connect(namedEntry(mnufile, "mnuMainmenu8", QStringLiteral("Return to Main Menu")), &QAction::triggered,
             this, &ProgrammingMenu::close);
 
-    QMenu *mnuprog = addMenu(nullptr, "mnuprog", QStringLiteral("&Varnel Programming"));
-    later(addEntry(mnuprog, "mnutrans", QStringLiteral("Transparent")));
-    later(addEntry(mnuprog, "mnuplc", QStringLiteral("PLC")));
-    QMenu *mnurtn = addMenu(mnuprog, "mnurtn", QStringLiteral("RTN"));
-    later(addEntry(mnurtn, "mnuradioip", QStringLiteral("Radio/IP")));
-    connect(addEntry(mnuprog, "mnucustom", QStringLiteral("Custom")), &QAction::triggered, this,
+    QMenu *mnuprog = namedMenu(menuBar(), "mnuprog", QStringLiteral("&Varnel Programming"));
+    later(namedEntry(mnuprog, "mnutrans", QStringLiteral("Transparent")));
+    later(namedEntry(mnuprog, "mnuplc", QStringLiteral("PLC")));
+    QMenu *mnurtn = namedMenu(mnuprog, "mnurtn", QStringLiteral("RTN"));
+    later(namedEntry(mnurtn, "mnuradioip", QStringLiteral("Radio/IP")));
+    connect(namedEntry(mnuprog, "mnucustom", QStringLiteral("Custom")), &QAction::triggered, this,
             &ProgrammingMenu::showCustomListing);
 
-    QMenu *mnusoft = addMenu(nullptr, "mnusoft", QStringLiteral("&Software Commands"));
-    QMenu *mnumodes = addMenu(mnusoft, "mnumodes", QStringLiteral("Modes of Operation"));
-    later(addEntry(mnumodes, "mnucommmode", QStringLiteral("Command Mode")));
-    later(addEntry(mnumodes, "mnuconv", QStringLiteral("Converse Mode")));
-    later(addEntry(mnumodes, "mnuremoteprog", QStringLiteral("Remote Programming")));
-    later(addEntry(mnumodes, "mnudigi", QStringLiteral("Digi-Repeating")));
-    QMenu *mnusimple = addMenu(mnusoft, "mnusimple", QStringLiteral("Simple Programming"));
-    later(addEntry(mnusimple, "mnuSetAddress", QStringLiteral("Varnel Address")));
-    later(addEntry(mnusimple, "mnusetconn", QStringLiteral("Set Connect Address ")));
-    later(addEntry(mnusimple, "mnuconnect", QStringLiteral("Connect")));
-    later(addEntry(mnusimple, "mnudisc", QStringLiteral("Disconnect")));
-    later(addEntry(mnusimple, "mnuFA", QStringLiteral("Restore Factory Settings")));
-    later(addEntry(mnusimple, "mnuxmiter", QStringLiteral("Radio Transmitter ON/OFF")));
-    later(addEntry(mnusimple, "mnureset", QStringLiteral("Reset Modem")));
-    later(addEntry(mnusimple, "mnusa", QStringLiteral("Save")));
-    QMenu *mnuadv = addMenu(mnusoft, "mnuadv", QStringLiteral("Advanced Programming"));
-    later(addEntry(mnuadv, "mnubc", QStringLiteral("Broadcast")));
-    later(addEntry(mnuadv, "mnuautotadv", QStringLiteral("AutoTransmit")));
-    later(addEntry(mnuadv, "mnuMIadv", QStringLiteral("Multi-ID")));
-    later(addEntry(mnuadv, "mnusecadv", QStringLiteral("Security")));
-    later(addEntry(mnuadv, "mnuautolfadv", QStringLiteral("Auto Line Feed")));
-    later(addEntry(mnuadv, "mnuenDTRadv", QStringLiteral("Enable DTR")));
-    later(addEntry(mnuadv, "mnuechoadv", QStringLiteral("Echo")));
-    later(addEntry(mnuadv, "mnumcadv", QStringLiteral("Mode Control")));
-    QMenu *mnuhsprotadv = addMenu(mnuadv, "mnuhsprotadv", QStringLiteral("Hand Shaking Protocol"));
-    later(addEntry(mnuhsprotadv, "mnuxhflow", QStringLiteral("Hardware Flow Control")));
-    later(addEntry(mnuhsprotadv, "mnuxsflow", QStringLiteral("Software Flow Control")));
-    later(addEntry(mnuadv, "mnucommmodeadv", QStringLiteral("Key to Command Mode")));
-    later(addEntry(mnuadv, "mnuconvadv", QStringLiteral("Converse Mode Editing")));
-    later(addEntry(mnuadv, "mnuadvmess", QStringLiteral("Message Format")));
-    later(addEntry(mnuadv, "mnuadvnetID", QStringLiteral("Network ID")));
-    later(addEntry(mnuadv, "mnusendpackadv", QStringLiteral("Send Packet Key")));
-    later(addEntry(mnuadv, "mnuadvtimer", QStringLiteral("Termination Timer")));
+    QMenu *mnusoft = namedMenu(menuBar(), "mnusoft", QStringLiteral("&Software Commands"));
+    QMenu *mnumodes = namedMenu(mnusoft, "mnumodes", QStringLiteral("Modes of Operation"));
+    later(namedEntry(mnumodes, "mnucommmode", QStringLiteral("Command Mode")));
+    later(namedEntry(mnumodes, "mnuconv", QStringLiteral("Converse Mode")));
+    later(namedEntry(mnumodes, "mnuremoteprog", QStringLiteral("Remote Programming")));
+    later(namedEntry(mnumodes, "mnudigi", QStringLiteral("Digi-Repeating")));
+    QMenu *mnusimple = namedMenu(mnusoft, "mnusimple", QStringLiteral("Simple Programming"));
+    later(namedEntry(mnusimple, "mnuSetAddress", QStringLiteral("Varnel Address")));
+    later(namedEntry(mnusimple, "mnusetconn", QStringLiteral("Set Connect Address ")));
+    later(namedEntry(mnusimple, "mnuconnect", QStringLiteral("Connect")));
+    later(namedEntry(mnusimple, "mnudisc", QStringLiteral("Disconnect")));
+    later(namedEntry(mnusimple, "mnuFA", QStringLiteral("Restore Factory Settings")));
+    later(namedEntry(mnusimple, "mnuxmiter", QStringLiteral("Radio Transmitter ON/OFF")));
+    later(namedEntry(mnusimple, "mnureset", QStringLiteral("Reset Modem")));
+    later(namedEntry(mnusimple, "mnusa", QStringLiteral("Save")));
+    QMenu *mnuadv = namedMenu(mnusoft, "mnuadv", QStringLiteral("Advanced Programming"));
+    later(namedEntry(mnuadv, "mnubc", QStringLiteral("Broadcast")));
+    later(namedEntry(mnuadv, "mnuautotadv", QStringLiteral("AutoTransmit")));
+    later(namedEntry(mnuadv, "mnuMIadv", QStringLiteral("Multi-ID")));
+    later(namedEntry(mnuadv, "mnusecadv", QStringLiteral("Security")));
+    later(namedEntry(mnuadv, "mnuautolfadv", QStringLiteral("Auto Line Feed")));
+    later(namedEntry(mnuadv, "mnuenDTRadv", QStringLiteral("Enable DTR")));
+    later(namedEntry(mnuadv, "mnuechoadv", QStringLiteral("Echo")));
+    later(namedEntry(mnuadv, "mnumcadv", QStringLiteral("Mode Control")));
+    QMenu *mnuhsprotadv = namedMenu(mnuadv, "mnuhsprotadv", QStringLiteral("Hand Shaking Protocol"));
+    later(namedEntry(mnuhsprotadv, "mnuxhflow", QStringLiteral("Hardware Flow Control")));
+    later(namedEntry(mnuhsprotadv, "mnuxsflow", QStringLiteral("Software Flow Control")));
+    later(namedEntry(mnuadv, "mnucommmodeadv", QStringLiteral("Key to Command Mode")));
+    later(namedEntry(mnuadv, "mnuconvadv", QStringLiteral("Converse Mode Editing")));
+    later(namedEntry(mnuadv, "mnuadvmess", QStringLiteral("Message Format")));
+    later(namedEntry(mnuadv, "mnuadvnetID", QStringLiteral("Network ID")));
+    later(namedEntry(mnuadv, "mnusendpackadv", QStringLiteral("Send Packet Key")));
+    later(namedEntry(mnuadv, "mnuadvtimer", QStringLiteral("Termination Timer")));
     // The two error message entries are in the menu and open nothing: no entry leads to those dialogs.
-    QMenu *mnuerrorformadv = addMenu(mnuadv, "mnuerrorformadv", QStringLiteral("Error Messages"));
-    addEntry(mnuerrorformadv, "mnuSysErrMsgs", QStringLiteral("System Error Messages"));
-    addEntry(mnuerrorformadv, "mnuCommErrMsgs", QStringLiteral("Communication Error Messages"));
-    later(addEntry(mnuadv, "mnucbdadv", QStringLiteral("Carrier Busy Delay")));
+    QMenu *mnuerrorformadv = namedMenu(mnuadv, "mnuerrorformadv", QStringLiteral("Error Messages"));
+    namedEntry(mnuerrorformadv, "mnuSysErrMsgs", QStringLiteral("System Error Messages"));
+    namedEntry(mnuerrorformadv, "mnuCommErrMsgs", QStringLiteral("Communication Error Messages"));
+    later(namedEntry(mnuadv, "mnucbdadv", QStringLiteral("Carrier Busy Delay")));
 
-    QMenu *mnuVNLinfo = addMenu(nullptr, "mnuVNLinfo", QStringLiteral("Varnel Information"));
-    later(addEntry(mnuVNLinfo, "mnucopyr", QStringLiteral("Copyright")));
-    later(addEntry(mnuVNLinfo, "mnuModelNumber2", QStringLiteral("Model Number")));
-    later(addEntry(mnuVNLinfo, "mnuModemopt", QStringLiteral("Modem Options")));
-    later(addEntry(mnuVNLinfo, "mnuserial", QStringLiteral("Modem Serial Number")));
-    later(addEntry(mnuVNLinfo, "mnusoftvers", QStringLiteral("Modem Software Version")));
-    later(addEntry(mnuVNLinfo, "mnuHours", QStringLiteral("Hour Meter")));
-    later(addEntry(mnuVNLinfo, "mnupacketl", QStringLiteral("Packet Length")));
-    later(addEntry(mnuVNLinfo, "mnuretries", QStringLiteral("Number of Retries")));
-    later(addEntry(mnuVNLinfo, "mnuxmitstats", QStringLiteral("Transmit status")));
+    QMenu *mnuVNLinfo = namedMenu(menuBar(), "mnuVNLinfo", QStringLiteral("Varnel Information"));
+    later(namedEntry(mnuVNLinfo, "mnucopyr", QStringLiteral("Copyright")));
+    later(namedEntry(mnuVNLinfo, "mnuModelNumber2", QStringLiteral("Model Number")));
+    later(namedEntry(mnuVNLinfo, "mnuModemopt", QStringLiteral("Modem Options")));
+    later(namedEntry(mnuVNLinfo, "mnuserial", QStringLiteral("Modem Serial Number")));
+    later(namedEntry(mnuVNLinfo, "mnusoftvers", QStringLiteral("Modem Software Version")));
+    later(namedEntry(mnuVNLinfo, "mnuHours", QStringLiteral("Hour Meter")));
+    later(namedEntry(mnuVNLinfo, "mnupacketl", QStringLiteral("Packet Length")));
+    later(namedEntry(mnuVNLinfo, "mnuretries", QStringLiteral("Number of Retries")));
+    later(namedEntry(mnuVNLinfo, "mnuxmitstats", QStringLiteral("Transmit status")));
 
-    QMenu *mnuhelp = addMenu(nullptr, "mnuhelp", QStringLiteral("Help"));
-    connect(addEntry(mnuhelp, "mnuAbout", QStringLiteral("About")), &QAction::triggered, this,
+    QMenu *mnuhelp = namedMenu(menuBar(), "mnuhelp", QStringLiteral("Help"));
+    connect(namedEntry(mnuhelp, "mnuAbout", QStringLiteral("About")), &QAction::triggered, this,
             &ProgrammingMenu::aboutRequested);
 }
 

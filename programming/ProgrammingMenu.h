@@ -44,8 +44,6 @@ protected:
 
 private:
     void buildMenus();
-    QMenu *addMenu(QMenu *parent, const char *name, const QString &caption);
-    QAction *addEntry(QMenu *menu, const char *name, const QString &caption);
 
     void addTypedCommand();
     void deleteSelectedCommand();

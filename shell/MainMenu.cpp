@@ -4,6 +4,7 @@
 #include "BusyPointer.h"
 #include "CommControl.h"
 #include "ModemSession.h"
+#include "Named.h"
 #include "PortClaim.h"
 #include "ProgrammingMenu.h"
 #include "Prompts.h"
@@ -44,8 +45,7 @@ MainMenu::MainMenu(ModemSession &session, IniFile &ini, QWidget *parent)
 
     auto *central = new QWidget(this);
     auto *grid = new QGridLayout(central);
-    Image1 = new QLabel(central);
-    Image1->setObjectName(QStringLiteral("Image1"));
+    Image1 = named<QLabel>("Image1", central);
     Image1->setPixmap(menuPicture());
     Image1->setAlignment(Qt::AlignCenter);
     grid->addWidget(Image1, 0, 0, 1, 2);
@@ -66,11 +66,9 @@ MainMenu::MainMenu(ModemSession &session, IniFile &ini, QWidget *parent)
     for (int i = 0; i < buttons.size(); ++i)
         grid->addWidget(buttons[i], 1 + i / 2, i % 2);
 
-    QMenu *mnuFile = menuBar()->addMenu(QStringLiteral("&File"));
-    mnuFile->setObjectName(QStringLiteral("mnuFile"));
+    QMenu *mnuFile = namedMenu(menuBar(), "mnuFile", QStringLiteral("&File"));
     auto entry = [&](QMenu *menu, const char *name, const QString &caption, QPushButton *button) {
-        QAction *action = menu->addAction(caption);
-        action->setObjectName(QString::fromLatin1(name));
+        QAction *action = namedEntry(menu, name, caption);
         // A menu entry simply runs the handler of its button.
         connect(action, &QAction::triggered, button, &QPushButton::click);
         return action;
@@ -80,13 +78,10 @@ MainMenu::MainMenu(ModemSession &session, IniFile &ini, QWidget *parent)
     mnuProgram = entry(mnuFile, "mnuProgram", QStringLiteral("&Varnel Programming"), cmdVnlPrg);
     mnuTermEm = entry(mnuFile, "mnuTermEm", QStringLiteral("&Terminal Emulation"), cmdTermEm);
     mnuPI = entry(mnuFile, "mnuPI", QStringLiteral("&Product Information"), cmdProductInfo);
-    mnuLine = mnuFile->addSeparator();
-    mnuLine->setObjectName(QStringLiteral("mnuLine"));
+    mnuLine = namedSeparator(mnuFile, "mnuLine");
     mnuExit = entry(mnuFile, "mnuExit", QStringLiteral("E&xit the Program"), cmdExit);
-    QMenu *mnuHelp = menuBar()->addMenu(QStringLiteral("&Help"));
-    mnuHelp->setObjectName(QStringLiteral("mnuHelp"));
-    mnuAbout = mnuHelp->addAction(QStringLiteral("&About"));
-    mnuAbout->setObjectName(QStringLiteral("mnuAbout"));
+    QMenu *mnuHelp = namedMenu(menuBar(), "mnuHelp", QStringLiteral("&Help"));
+    mnuAbout = namedEntry(mnuHelp, "mnuAbout", QStringLiteral("&About"));
     connect(mnuAbout, &QAction::triggered, this, [this] { frmAbout(m_session.prompts(), this).exec(); });
 
     connect(cmdStartOut, &QPushButton::clicked, this, &MainMenu::cmdStartOut_Click);
@@ -115,8 +110,7 @@ ProgrammingMenu *MainMenu::programmingMenu() const
 
 QPushButton *MainMenu::addCommand(const char *name, const QString &caption, const QString &toolTip)
 {
-    auto *button = new QPushButton(caption, centralWidget());
-    button->setObjectName(QString::fromLatin1(name));
+    auto *button = named<QPushButton>(name, caption, centralWidget());
     button->setToolTip(toolTip);
     button->setMinimumHeight(36);
     return button;

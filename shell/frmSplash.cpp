@@ -1,5 +1,6 @@
 #include "frmSplash.h"
 
+#include "Named.h"
 #include "frmAbout.h"
 
 #include <QLabel>
@@ -11,8 +12,7 @@ frmSplash::frmSplash(QWidget *parent) : QWidget(parent, Qt::SplashScreen | Qt::F
     setAttribute(Qt::WA_DeleteOnClose);
     auto *layout = new QVBoxLayout(this);
     auto label = [&](const char *name, const QString &text, int pointSize) {
-        auto *l = new QLabel(text, this);
-        l->setObjectName(QString::fromLatin1(name));
+        auto *l = named<QLabel>(name, text, this);
         QFont f = l->font();
         f.setPointSize(pointSize);
         l->setFont(f);

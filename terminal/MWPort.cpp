@@ -4,6 +4,7 @@
 #include "CommControl.h"
 #include "IniFile.h"
 #include "ModemSession.h"
+#include "Named.h"
 #include "Prompts.h"
 
 #include <QCheckBox>
@@ -16,17 +17,9 @@
 namespace {
 QComboBox *makeList(QWidget *parent, const char *name, const QStringList &items)
 {
-    auto *list = new QComboBox(parent);
-    list->setObjectName(QString::fromLatin1(name));
+    auto *list = named<QComboBox>(name, parent);
     list->addItems(items);
     return list;
-}
-
-QCheckBox *makeCheck(QWidget *parent, const char *name, const QString &caption)
-{
-    auto *box = new QCheckBox(caption, parent);
-    box->setObjectName(QString::fromLatin1(name));
-    return box;
 }
 
 // Selects the entry, adding it when the fixed list lacks it: a rate such as 115200 in the file is honoured.
@@ -64,10 +57,12 @@ MWPort::MWPort(ModemSession &session, IniFile &ini, QWidget *parent)
     CmbStopBits = makeList(this, "CmbStopBits", {QStringLiteral("1"), QStringLiteral("2")});
     CmbParity =
         makeList(this, "CmbParity", {QStringLiteral("Even"), QStringLiteral("Odd"), QStringLiteral("None")});
-    ChkDTREnable = makeCheck(this, "ChkDTREnable", QStringLiteral("DTR Enable"));
-    ChkRTSEnable = makeCheck(this, "ChkRTSEnable", QStringLiteral("RTS Enable"));
-    ChkHandshakingSoftware = makeCheck(this, "ChkHandshakingSoftware", QStringLiteral("Software (XON/XOFF)"));
-    ChkHandshakingHardware = makeCheck(this, "ChkHandshakingHardware", QStringLiteral("Hardware (RTS/CTS)"));
+    ChkDTREnable = named<QCheckBox>("ChkDTREnable", QStringLiteral("DTR Enable"), this);
+    ChkRTSEnable = named<QCheckBox>("ChkRTSEnable", QStringLiteral("RTS Enable"), this);
+    ChkHandshakingSoftware =
+        named<QCheckBox>("ChkHandshakingSoftware", QStringLiteral("Software (XON/XOFF)"), this);
+    ChkHandshakingHardware =
+        named<QCheckBox>("ChkHandshakingHardware", QStringLiteral("Hardware (RTS/CTS)"), this);
     cmdOK = new QPushButton(QStringLiteral("OK"), this);
     cmdOK->setObjectName(QStringLiteral("cmdOK"));
     cmdOK->setDefault(true);

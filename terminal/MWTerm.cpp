@@ -4,6 +4,7 @@
 #include "CommControl.h"
 #include "IniFile.h"
 #include "ModemSession.h"
+#include "Named.h"
 #include "PortClaim.h"
 #include "Prompts.h"
 #include "TermPalette.h"
@@ -40,8 +41,7 @@ QIcon swatch(const QColor &color)
 
 QComboBox *colorList(QWidget *parent, const char *name)
 {
-    auto *list = new QComboBox(parent);
-    list->setObjectName(QString::fromLatin1(name));
+    auto *list = named<QComboBox>(name, parent);
     const QStringList names = PaletteColorNames();
     for (int i = 0; i < kPaletteSize; ++i)
         list->addItem(swatch(PaletteColor(i)), names[i]);
@@ -50,8 +50,7 @@ QComboBox *colorList(QWidget *parent, const char *name)
 
 QSpinBox *numberField(QWidget *parent, const char *name, int minimum, int maximum)
 {
-    auto *field = new QSpinBox(parent);
-    field->setObjectName(QString::fromLatin1(name));
+    auto *field = named<QSpinBox>(name, parent);
     field->setRange(minimum, maximum);
     return field;
 }

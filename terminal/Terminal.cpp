@@ -9,6 +9,7 @@
 #include "MWPort.h"
 #include "MWTerm.h"
 #include "ModemSession.h"
+#include "Named.h"
 #include "PortClaim.h"
 #include "Prompts.h"
 #include "TermIntro.h"
@@ -30,21 +31,6 @@ namespace {
 
 constexpr int kCaptureStandard = int(CaptureMode::Standard);
 constexpr char kCtrlC = '\x03';
-
-QAction *menuEntry(QMenu *menu, const QString &name, const QString &caption, const QKeySequence &key = {})
-{
-    QAction *action = menu->addAction(caption);
-    action->setObjectName(name);
-    action->setShortcut(key);
-    return action;
-}
-
-QAction *separator(QMenu *menu, const QString &name)
-{
-    QAction *action = menu->addSeparator();
-    action->setObjectName(name);
-    return action;
-}
 
 QString clipboardText()
 {
@@ -74,8 +60,7 @@ void Terminal::buildScreen()
     Comm1Screen->attach(&Comm1());
     layout->addWidget(Comm1Screen, 1, Qt::AlignHCenter);
 
-    Status = new QLabel(central);
-    Status->setObjectName(QStringLiteral("Status"));
+    Status = named<QLabel>("Status", central);
     Status->setFrameShape(QFrame::Panel);
     Status->setFrameShadow(QFrame::Sunken);
     Status->setTextFormat(Qt::PlainText);
@@ -83,8 +68,7 @@ void Terminal::buildScreen()
 
     auto *buttons = new QGridLayout;
     for (int i = 0; i < kButtons; ++i) {
-        auto *button = new TagButton(central);
-        button->setObjectName(QStringLiteral("Btn(%1)").arg(i));
+        auto *button = named<TagButton>(QStringLiteral("Btn(%1)").arg(i), central);
         button->setAutoDefault(false);
         button->setMinimumHeight(26);
         buttons->addWidget(button, i / 5, i % 5);
@@ -103,47 +87,43 @@ void Terminal::buildScreen()
 
 void Terminal::buildMenus()
 {
-    MenuFile = menuBar()->addMenu(QStringLiteral("&File"));
-    MenuFile->setObjectName(QStringLiteral("MenuFile"));
-    m_mFile[1] = menuEntry(MenuFile, QStringLiteral("MFile(1)"), QStringLiteral("O&pen Capture File..."));
-    m_mFile[2] = menuEntry(MenuFile, QStringLiteral("MFile(2)"), QStringLiteral("C&lose Capture File"));
+    MenuFile = namedMenu(menuBar(), QStringLiteral("MenuFile"), QStringLiteral("&File"));
+    m_mFile[1] = namedEntry(MenuFile, QStringLiteral("MFile(1)"), QStringLiteral("O&pen Capture File..."));
+    m_mFile[2] = namedEntry(MenuFile, QStringLiteral("MFile(2)"), QStringLiteral("C&lose Capture File"));
     m_mFile[2]->setEnabled(false);
-    m_mFile[3] = separator(MenuFile, QStringLiteral("MFile(3)"));
-    m_mFile[4] = menuEntry(MenuFile, QStringLiteral("MFile(4)"), QStringLiteral("E&xit to Main Menu"));
+    m_mFile[3] = namedSeparator(MenuFile, QStringLiteral("MFile(3)"));
+    m_mFile[4] = namedEntry(MenuFile, QStringLiteral("MFile(4)"), QStringLiteral("E&xit to Main Menu"));
     for (const int i : {1, 2, 4})
         connect(m_mFile[i], &QAction::triggered, this, [this, i] { MFile_Click(i); });
 
-    MenuEdit = menuBar()->addMenu(QStringLiteral("&Edit"));
-    MenuEdit->setObjectName(QStringLiteral("MenuEdit"));
-    m_mEdit[1] = menuEntry(MenuEdit, QStringLiteral("MEdit(1)"), QStringLiteral("&Copy"),
-                           QKeySequence(Qt::CTRL | Qt::Key_C));
-    m_mEdit[2] = menuEntry(MenuEdit, QStringLiteral("MEdit(2)"), QStringLiteral("&Paste"),
-                           QKeySequence(Qt::CTRL | Qt::Key_V));
+    MenuEdit = namedMenu(menuBar(), QStringLiteral("MenuEdit"), QStringLiteral("&Edit"));
+    m_mEdit[1] = namedEntry(MenuEdit, QStringLiteral("MEdit(1)"), QStringLiteral("&Copy"),
+                            QKeySequence(Qt::CTRL | Qt::Key_C));
+    m_mEdit[2] = namedEntry(MenuEdit, QStringLiteral("MEdit(2)"), QStringLiteral("&Paste"),
+                            QKeySequence(Qt::CTRL | Qt::Key_V));
     for (const int i : {1, 2})
         connect(m_mEdit[i], &QAction::triggered, this, [this, i] { MEdit_Click(i); });
     connect(MenuEdit, &QMenu::aboutToShow, this, &Terminal::MenuEdit_Refresh);
 
-    mnuvnlsetup = menuBar()->addMenu(QStringLiteral("V&arnel  Setup"));
-    mnuvnlsetup->setObjectName(QStringLiteral("mnuvnlsetup"));
-    mnusetfreq = menuEntry(mnuvnlsetup, QStringLiteral("mnusetfreq"), QStringLiteral("Set Frequency/Squelch"),
-                           QKeySequence(Qt::Key_F1));
-    mnuDiag = menuEntry(mnuvnlsetup, QStringLiteral("mnuDiag"), QStringLiteral("Varnel Diagnostics"),
-                        QKeySequence(Qt::Key_F2));
-    mnudongle = menuEntry(mnuvnlsetup, QStringLiteral("mnudongle"), QStringLiteral("Initialize IR Dongle"),
-                          QKeySequence(Qt::Key_F3));
-    separator(mnuvnlsetup, QStringLiteral("mnudash1"));
-    mnutest = menuEntry(mnuvnlsetup, QStringLiteral("mnutest"), QStringLiteral("Test String"),
-                        QKeySequence(Qt::Key_F5));
-    mnuCtrlC = menuEntry(mnuvnlsetup, QStringLiteral("mnuCtrlC"), QStringLiteral("Ctrl-C: Disconnect"),
-                         QKeySequence(Qt::Key_F6));
-    separator(mnuvnlsetup, QStringLiteral("mnudash2"));
-    mnuFlash = menuEntry(mnuvnlsetup, QStringLiteral("mnuFlash"), QStringLiteral("Update Flash Memory"));
+    mnuvnlsetup = namedMenu(menuBar(), QStringLiteral("mnuvnlsetup"), QStringLiteral("V&arnel  Setup"));
+    mnusetfreq = namedEntry(mnuvnlsetup, QStringLiteral("mnusetfreq"),
+                            QStringLiteral("Set Frequency/Squelch"), QKeySequence(Qt::Key_F1));
+    mnuDiag = namedEntry(mnuvnlsetup, QStringLiteral("mnuDiag"), QStringLiteral("Varnel Diagnostics"),
+                         QKeySequence(Qt::Key_F2));
+    mnudongle = namedEntry(mnuvnlsetup, QStringLiteral("mnudongle"), QStringLiteral("Initialize IR Dongle"),
+                           QKeySequence(Qt::Key_F3));
+    namedSeparator(mnuvnlsetup, QStringLiteral("mnudash1"));
+    mnutest = namedEntry(mnuvnlsetup, QStringLiteral("mnutest"), QStringLiteral("Test String"),
+                         QKeySequence(Qt::Key_F5));
+    mnuCtrlC = namedEntry(mnuvnlsetup, QStringLiteral("mnuCtrlC"), QStringLiteral("Ctrl-C: Disconnect"),
+                          QKeySequence(Qt::Key_F6));
+    namedSeparator(mnuvnlsetup, QStringLiteral("mnudash2"));
+    mnuFlash = namedEntry(mnuvnlsetup, QStringLiteral("mnuFlash"), QStringLiteral("Update Flash Memory"));
     mnuSerialS =
-        menuEntry(mnuvnlsetup, QStringLiteral("mnuSerialS"), QStringLiteral("Configure Varnel Serial Port"));
-    separator(mnuvnlsetup, QStringLiteral("mnudash3"));
-    setQ40z = mnuvnlsetup->addMenu(QStringLiteral("Model Q40Z Settings"));
-    setQ40z->setObjectName(QStringLiteral("setQ40z"));
-    mnuPowerS = menuEntry(setQ40z, QStringLiteral("mnuPowerS"), QStringLiteral("Set Output Power Level"));
+        namedEntry(mnuvnlsetup, QStringLiteral("mnuSerialS"), QStringLiteral("Configure Varnel Serial Port"));
+    namedSeparator(mnuvnlsetup, QStringLiteral("mnudash3"));
+    setQ40z = namedMenu(mnuvnlsetup, QStringLiteral("setQ40z"), QStringLiteral("Model Q40Z Settings"));
+    mnuPowerS = namedEntry(setQ40z, QStringLiteral("mnuPowerS"), QStringLiteral("Set Output Power Level"));
     connect(mnusetfreq, &QAction::triggered, this, &Terminal::mnusetfreq_Click);
     connect(mnuDiag, &QAction::triggered, this, &Terminal::mnuDiag_Click);
     connect(mnudongle, &QAction::triggered, this, &Terminal::mnudongle_Click);
@@ -162,33 +142,30 @@ void Terminal::buildMenus()
             openPowerLevel();
     });
 
-    Menutermset = menuBar()->addMenu(QStringLiteral("&Terminal Setup"));
-    Menutermset->setObjectName(QStringLiteral("Menutermset"));
-    m_mSetup[1] = menuEntry(Menutermset, QStringLiteral("MSetup(1)"), QStringLiteral("&Port..."));
+    Menutermset = namedMenu(menuBar(), QStringLiteral("Menutermset"), QStringLiteral("&Terminal Setup"));
+    m_mSetup[1] = namedEntry(Menutermset, QStringLiteral("MSetup(1)"), QStringLiteral("&Port..."));
     m_mSetup[2] =
-        menuEntry(Menutermset, QStringLiteral("MSetup(2)"), QStringLiteral("&Terminal Configuration..."));
-    MSetup4 = Menutermset->addMenu(QStringLiteral("&Buttons..."));
-    MSetup4->setObjectName(QStringLiteral("MSetup(4)"));
+        namedEntry(Menutermset, QStringLiteral("MSetup(2)"), QStringLiteral("&Terminal Configuration..."));
+    MSetup4 = namedMenu(Menutermset, QStringLiteral("MSetup(4)"), QStringLiteral("&Buttons..."));
     m_mSetup[4] = MSetup4->menuAction();
-    mnuButtonDef = menuEntry(MSetup4, QStringLiteral("mnuButtonDef"), QStringLiteral("Configure Buttons"));
+    mnuButtonDef = namedEntry(MSetup4, QStringLiteral("mnuButtonDef"), QStringLiteral("Configure Buttons"));
     for (int i = 0; i < kButtons; ++i) {
         // Shift+F10 is left out on purpose: button 10 answers to Shift+F11.
         const int functionKey = i < 9 ? Qt::Key_F1 + i : Qt::Key_F11;
-        m_mnuButton[size_t(i)] =
-            menuEntry(MSetup4, QStringLiteral("mnuButton(%1)").arg(i), QStringLiteral("Button %1").arg(i + 1),
-                      QKeySequence(Qt::SHIFT | Qt::Key(functionKey)));
+        m_mnuButton[size_t(i)] = namedEntry(MSetup4, QStringLiteral("mnuButton(%1)").arg(i),
+                                            QStringLiteral("Button %1").arg(i + 1),
+                                            QKeySequence(Qt::SHIFT | Qt::Key(functionKey)));
         connect(m_mnuButton[size_t(i)], &QAction::triggered, this, [this, i] { Btn_Click(i); });
     }
-    m_mComm[4] = menuEntry(Menutermset, QStringLiteral("MComm(4)"), QStringLiteral("Clear the &Screen"));
+    m_mComm[4] = namedEntry(Menutermset, QStringLiteral("MComm(4)"), QStringLiteral("Clear the &Screen"));
     for (const int i : {1, 2})
         connect(m_mSetup[i], &QAction::triggered, this, [this, i] { MSetup_Click(i); });
     connect(mnuButtonDef, &QAction::triggered, this, &Terminal::mnuButtonDef_Click);
     connect(m_mComm[4], &QAction::triggered, this, [this] { MComm_Click(4); });
 
-    MenuHelp = menuBar()->addMenu(QStringLiteral("&Help"));
-    MenuHelp->setObjectName(QStringLiteral("MenuHelp"));
-    mnuhp = menuEntry(MenuHelp, QStringLiteral("mnuhp"), QStringLiteral("About"),
-                      QKeySequence(Qt::CTRL | Qt::Key_F1));
+    MenuHelp = namedMenu(menuBar(), QStringLiteral("MenuHelp"), QStringLiteral("&Help"));
+    mnuhp = namedEntry(MenuHelp, QStringLiteral("mnuhp"), QStringLiteral("About"),
+                       QKeySequence(Qt::CTRL | Qt::Key_F1));
     connect(mnuhp, &QAction::triggered, this, &Terminal::mnuhp_Click);
 }
 

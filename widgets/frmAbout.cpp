@@ -1,5 +1,6 @@
 #include "frmAbout.h"
 
+#include "Named.h"
 #include "Prompts.h"
 
 #include <QLabel>
@@ -36,8 +37,7 @@ frmAbout::frmAbout(Prompts &prompts, QWidget *parent) : QDialog(parent), m_promp
     setWindowTitle(QStringLiteral("About ") + AppTitle());
     auto *layout = new QVBoxLayout(this);
     auto label = [&](const char *name, const QString &text) {
-        auto *l = new QLabel(text, this);
-        l->setObjectName(QString::fromLatin1(name));
+        auto *l = named<QLabel>(name, text, this);
         l->setWordWrap(true);
         layout->addWidget(l);
         return l;

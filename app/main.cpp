@@ -16,7 +16,7 @@ QStringList systemSerialPorts()
     QStringList locations;
     for (const QSerialPortInfo &info : QSerialPortInfo::availablePorts())
         locations << info.systemLocation();
-    return OrderSystemPorts(locations);
+    return orderSystemPorts(locations);
 }
 } // namespace
 
@@ -28,7 +28,7 @@ int main(int argc, char *argv[])
     IniFile ini(GetIniFileName());
     RealTime time;
     WidgetPrompts prompts;
-    SerialCommControl comm1([&ini](int port) { return DevicePathForPort(ini, port, systemSerialPorts()); });
+    SerialCommControl comm1([&ini](int port) { return devicePathForPort(ini, port, systemSerialPorts()); });
     ModemSession session(comm1, time, prompts);
     MainMenu mainMenu(session, ini);
 

@@ -14,7 +14,7 @@ AppError invalidProcedureCall()
 }
 } // namespace AppErrors
 
-QString AppErrorText(const AppError &error)
+QString appErrorText(const AppError &error)
 {
     const QChar cr(13);
     return QStringLiteral("The following error has occured in the application:") + cr +
@@ -25,5 +25,5 @@ QString AppErrorText(const AppError &error)
 
 void ShowAppError(Prompts &prompts, const AppError &error)
 {
-    prompts.MsgBox(AppErrorText(error), MsgButtons::OkOnly, MsgIcon::Critical);
+    prompts.MsgBox(appErrorText(error), MsgButtons::OkOnly, MsgIcon::Critical);
 }

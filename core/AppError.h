@@ -36,14 +36,14 @@ AppError invalidProcedureCall();
 } // namespace AppErrors
 
 // The text of the standard error box: four pieces separated by carriage returns.
-QString AppErrorText(const AppError &error);
+QString appErrorText(const AppError &error);
 
 // Shows the standard error box (critical icon, OK only, no title). The caller goes on afterwards.
 void ShowAppError(Prompts &prompts, const AppError &error);
 
 // Runs one statement; if it fails, shows the standard box and lets the caller go on with the next
 // statement, whatever the failed one was to set staying as it was. Returns whether it succeeded.
-template <typename Statement> bool Attempt(Prompts &prompts, Statement &&statement)
+template <typename Statement> bool attempt(Prompts &prompts, Statement &&statement)
 {
     try {
         statement();
@@ -55,7 +55,7 @@ template <typename Statement> bool Attempt(Prompts &prompts, Statement &&stateme
 }
 
 // Runs one statement with errors ignored, as the entry routines and the terminal's key events do.
-template <typename Statement> bool IgnoreErrors(Statement &&statement)
+template <typename Statement> bool ignoreErrors(Statement &&statement)
 {
     try {
         statement();

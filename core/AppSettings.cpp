@@ -33,22 +33,22 @@ QString directoryText(const QString &text)
 
 QString readDirectory(const IniFile &ini, const QString &key)
 {
-    const QString programDirectory = QFileInfo(ProgramFilePath()).absolutePath();
-    return directoryText(ini.GetString(kApplication, key, programDirectory, kDirectoryBuffer));
+    const QString programDirectory = QFileInfo(programFilePath()).absolutePath();
+    return directoryText(ini.getString(kApplication, key, programDirectory, kDirectoryBuffer));
 }
 
 bool readBoolean(const IniFile &ini, const QString &key)
 {
-    return IniBool(ini.GetString(kApplication, key, IniBoolText(false), kBooleanBuffer));
+    return iniBool(ini.getString(kApplication, key, iniBoolText(false), kBooleanBuffer));
 }
 
 void loadButtons(const IniFile &ini, AppSettings &settings)
 {
-    for (const QString &key : ini.Keys(kButtonAssignments, kButtonKeysBuffer)) {
+    for (const QString &key : ini.keys(kButtonAssignments, kButtonKeysBuffer)) {
         const qsizetype dash = key.indexOf(u'-');
         if (dash < 0)
             continue;
-        const int index = IniNumber(QStringView(key).left(dash)) - 1;
+        const int index = iniNumber(QStringView(key).left(dash)) - 1;
         if (index < 0 || index >= int(settings.buttons.size()))
             continue;
         ButtonAssignment &button = settings.buttons[index];
@@ -57,13 +57,13 @@ void loadButtons(const IniFile &ini, AppSettings &settings)
             caption = caption.mid(1);
         button.caption = caption.toString();
         button.tag =
-            ButtonTagFromValue(ini.GetString(kButtonAssignments, key, QString(), kButtonValueBuffer));
+            buttonTagFromValue(ini.getString(kButtonAssignments, key, QString(), kButtonValueBuffer));
     }
 }
 
 } // namespace
 
-QString ButtonValueText(const QString &tag)
+QString buttonValueText(const QString &tag)
 {
     for (qsizetype i = 0; i < tag.size(); ++i) {
         if (tag.at(i) == u'\r' || tag.at(i) == u'~')
@@ -72,7 +72,7 @@ QString ButtonValueText(const QString &tag)
     return tag;
 }
 
-QString ButtonTagFromValue(const QString &value)
+QString buttonTagFromValue(const QString &value)
 {
     const qsizetype tilde = value.indexOf(u'~');
     return tilde < 0 ? value : value.left(tilde) + u'\r';
@@ -82,8 +82,8 @@ void LoadAppSettings(const IniFile &ini, AppSettings &settings)
 {
     settings.downloadDirectory = readDirectory(ini, kDownloadDirectory);
     settings.uploadDirectory = readDirectory(ini, kUploadDirectory);
-    settings.zmodemOptions = ini.GetInt(kApplication, kZmodemOptions, 0);
-    settings.transferOptions = ini.GetInt(kApplication, kTransferOptions, 0);
+    settings.zmodemOptions = ini.getInt(kApplication, kZmodemOptions, 0);
+    settings.transferOptions = ini.getInt(kApplication, kTransferOptions, 0);
     // Auto ZModem is deliberately not read: the control's switch starts from its own default every run.
     settings.hideIntro = readBoolean(ini, kHideIntro);
     settings.hideDiag = readBoolean(ini, kHideDiag);
@@ -93,21 +93,21 @@ void LoadAppSettings(const IniFile &ini, AppSettings &settings)
 
 void SaveAppSettings(IniFile &ini, const AppSettings &settings)
 {
-    ini.WriteString(kApplication, kDownloadDirectory, settings.downloadDirectory);
-    ini.WriteString(kApplication, kUploadDirectory, settings.uploadDirectory);
-    ini.WriteString(kApplication, kZmodemOptions, QString::number(settings.zmodemOptions));
-    ini.WriteString(kApplication, kTransferOptions, QString::number(settings.transferOptions));
-    ini.WriteString(kApplication, kAutoZModem, IniBoolText(settings.autoZModem));
-    ini.WriteString(kApplication, kHideIntro, IniBoolText(settings.hideIntro));
-    ini.WriteString(kApplication, kHideDiag, IniBoolText(settings.hideDiag));
-    ini.WriteString(kApplication, kRepeaterSetup, IniBoolText(settings.repeaterSetup));
+    ini.writeString(kApplication, kDownloadDirectory, settings.downloadDirectory);
+    ini.writeString(kApplication, kUploadDirectory, settings.uploadDirectory);
+    ini.writeString(kApplication, kZmodemOptions, QString::number(settings.zmodemOptions));
+    ini.writeString(kApplication, kTransferOptions, QString::number(settings.transferOptions));
+    ini.writeString(kApplication, kAutoZModem, iniBoolText(settings.autoZModem));
+    ini.writeString(kApplication, kHideIntro, iniBoolText(settings.hideIntro));
+    ini.writeString(kApplication, kHideDiag, iniBoolText(settings.hideDiag));
+    ini.writeString(kApplication, kRepeaterSetup, iniBoolText(settings.repeaterSetup));
     // An emptied button writes nothing, so its old key stays in the file and comes back at the next load;
     // keys leave the file only by hand.
     for (size_t i = 0; i < settings.buttons.size(); ++i) {
         const ButtonAssignment &button = settings.buttons[i];
         if (button.tag.isEmpty())
             continue;
-        ini.WriteString(kButtonAssignments, QString::number(i + 1) + QStringLiteral(" - ") + button.caption,
-                        ButtonValueText(button.tag));
+        ini.writeString(kButtonAssignments, QString::number(i + 1) + QStringLiteral(" - ") + button.caption,
+                        buttonValueText(button.tag));
     }
 }

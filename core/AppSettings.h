@@ -27,6 +27,6 @@ void LoadAppSettings(const IniFile &ini, AppSettings &settings);
 void SaveAppSettings(IniFile &ini, const AppSettings &settings);
 
 // A button's text as stored: only its first carriage return counts and ends the value, shown as "~".
-QString ButtonValueText(const QString &tag);
+QString buttonValueText(const QString &tag);
 // The text a button sends, from its stored value: the first "~" is a carriage return that ends it.
-QString ButtonTagFromValue(const QString &value);
+QString buttonTagFromValue(const QString &value);

@@ -4,7 +4,7 @@
 
 #include <QStringList>
 
-std::optional<LineSettings> ParseLineSettings(const QString &text)
+std::optional<LineSettings> parseLineSettings(const QString &text)
 {
     const QStringList parts = text.simplified().remove(QLatin1Char(' ')).split(QLatin1Char(','));
     if (parts.size() != 4)
@@ -26,7 +26,7 @@ std::optional<LineSettings> ParseLineSettings(const QString &text)
     return s;
 }
 
-QString LineSettingsText(const LineSettings &settings)
+QString lineSettingsText(const LineSettings &settings)
 {
     return QStringLiteral("%1,%2,%3,%4")
         .arg(settings.baud)
@@ -71,7 +71,7 @@ void CommControl::setPortOpen(bool open)
 
 void CommControl::setSettings(const QString &text)
 {
-    const auto parsed = ParseLineSettings(text);
+    const auto parsed = parseLineSettings(text);
     if (!parsed)
         throw AppError{AppErrors::InvalidPropertyValue, QStringLiteral("Invalid Setting")};
     m_settingsText = text.trimmed();

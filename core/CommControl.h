@@ -17,9 +17,9 @@ struct LineSettings
 };
 
 // Reads "9600,n,8,1" (blanks and case ignored); nothing when the text is not of that form.
-std::optional<LineSettings> ParseLineSettings(const QString &text);
+std::optional<LineSettings> parseLineSettings(const QString &text);
 // The normal form the control reports: "9600,n,8,1".
-QString LineSettingsText(const LineSettings &settings);
+QString lineSettingsText(const LineSettings &settings);
 
 // The serial and terminal control Comm1: the one road to the modem. The members keep the names
 // the rest of the program uses. AutoProcess is the lock on the port: at 3 the control runs the

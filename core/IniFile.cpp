@@ -245,7 +245,7 @@ void insertLine(IniDocument &document, qsizetype at, const QString &content, con
 void saveDocument(const QString &path, const IniDocument &document)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
-    WriteWholeFile(path, encodeDocument(document));
+    writeWholeFile(path, encodeDocument(document));
 }
 
 QString trimBlanks(const QString &text)
@@ -268,7 +268,7 @@ QString IniFile::path() const
     return m_path;
 }
 
-QString IniFile::GetString(const QString &section, const QString &key, const QString &defaultValue,
+QString IniFile::getString(const QString &section, const QString &key, const QString &defaultValue,
                            int bufferSize) const
 {
     QString value = defaultValue;
@@ -279,18 +279,18 @@ QString IniFile::GetString(const QString &section, const QString &key, const QSt
     return cutToBuffer(value, bufferSize);
 }
 
-int IniFile::GetInt(const QString &section, const QString &key, int defaultValue) const
+int IniFile::getInt(const QString &section, const QString &key, int defaultValue) const
 {
     const auto found = readValue(m_path, section, key);
-    return found ? IniNumber(*found) : defaultValue;
+    return found ? iniNumber(*found) : defaultValue;
 }
 
-bool IniFile::HasKey(const QString &section, const QString &key) const
+bool IniFile::hasKey(const QString &section, const QString &key) const
 {
     return readValue(m_path, section, key).has_value();
 }
 
-QStringList IniFile::Keys(const QString &section, int bufferSize) const
+QStringList IniFile::keys(const QString &section, int bufferSize) const
 {
     const QString sectionName = cleanSectionName(section);
     if (sectionName.isEmpty() || bufferSize <= 2)
@@ -312,7 +312,7 @@ QStringList IniFile::Keys(const QString &section, int bufferSize) const
     return buffer.split(QChar(0), Qt::SkipEmptyParts);
 }
 
-void IniFile::WriteString(const QString &section, const QString &key, const QString &value)
+void IniFile::writeString(const QString &section, const QString &key, const QString &value)
 {
     const QString sectionName = cleanSectionName(section);
     const QString keyName = cleanKeyName(key);
@@ -346,14 +346,14 @@ void IniFile::WriteString(const QString &section, const QString &key, const QStr
     saveDocument(m_path, document);
 }
 
-QString ProgramFilePath()
+QString programFilePath()
 {
     if (QCoreApplication::instance())
         return QCoreApplication::applicationFilePath();
     return QFileInfo(QStringLiteral("/proc/self/exe")).canonicalFilePath();
 }
 
-QString IniFileNameFor(const QString &programFileName)
+QString iniFileNameFor(const QString &programFileName)
 {
     QString name = QFileInfo(programFileName).fileName();
     const qsizetype point = name.indexOf(u'.');
@@ -367,10 +367,10 @@ QString GetIniFileName()
     QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
     if (base.isEmpty() || QDir::isRelativePath(base))
         base = QDir::homePath() + QStringLiteral("/.config");
-    return QDir::cleanPath(base + u'/' + IniFileNameFor(ProgramFilePath()));
+    return QDir::cleanPath(base + u'/' + iniFileNameFor(programFilePath()));
 }
 
-int IniNumber(QStringView text)
+int iniNumber(QStringView text)
 {
     qsizetype i = 0;
     while (i < text.size() && (text.at(i) == u' ' || text.at(i) == u'\t'))
@@ -388,12 +388,12 @@ int IniNumber(QStringView text)
     return int(std::clamp<qint64>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
-bool IniBool(const QString &text)
+bool iniBool(const QString &text)
 {
     return text == QStringLiteral("True") || text == QStringLiteral("-1");
 }
 
-QString IniBoolText(bool value)
+QString iniBoolText(bool value)
 {
     return value ? QStringLiteral("True") : QStringLiteral("False");
 }

@@ -69,7 +69,7 @@ void MemoryCommControl::writeDevice(const QByteArray &bytes)
 
 void MemoryCommControl::applyLineSettings(const LineSettings &settings)
 {
-    record({WireEvent::Kind::Settings, 0, LineSettingsText(settings).toLatin1()});
+    record({WireEvent::Kind::Settings, 0, lineSettingsText(settings).toLatin1()});
     if (m_peer)
         m_peer->hostLineSettings(settings);
 }

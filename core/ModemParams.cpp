@@ -23,11 +23,11 @@ constexpr int kListBytes = 20;
 // the reader waits all the same, as the statement after it runs.
 QString exchange(ModemSession &session, const QByteArray &command, int count, Way way, Drain drain)
 {
-    Attempt(session.prompts(), [&] {
+    attempt(session.prompts(), [&] {
         if (drain == Drain::Before)
-            session.SendCommand(command, way);
+            session.sendCommand(command, way);
         else
-            session.SendText(command + '\r', way);
+            session.sendText(command + '\r', way);
     });
     session.WaitForBytes(count);
     return QString::fromLatin1(session.Comm1().Input());
@@ -36,12 +36,12 @@ QString exchange(ModemSession &session, const QByteArray &command, int count, Wa
 // One cut as one statement: on failure the box is shown and the value keeps what it had.
 template <typename Cut> void cutText(ModemSession &session, QString &value, Cut &&cut)
 {
-    Attempt(session.prompts(), [&] { value = cut(); });
+    attempt(session.prompts(), [&] { value = cut(); });
 }
 
 template <typename Cut> void cutNumber(ModemSession &session, double &value, Cut &&cut)
 {
-    Attempt(session.prompts(), [&] { value = numericValue(cut()); });
+    attempt(session.prompts(), [&] { value = numericValue(cut()); });
 }
 
 void readFixed(ModemSession &session, const QByteArray &command, const QString &name, int count, Way way,
@@ -56,7 +56,7 @@ void readRouteList(ModemSession &session, const QByteArray &command, const QStri
 {
     const QString reply = exchange(session, command, kListBytes, Way::Auto, Drain::Before);
     QStringList lines;
-    Attempt(session.prompts(), [&] { cutNumberedLines(reply, lines); });
+    attempt(session.prompts(), [&] { cutNumberedLines(reply, lines); });
     for (const QString &line : std::as_const(lines))
         if (line.contains(u','))
             commands.append(prefix + line);
@@ -130,7 +130,7 @@ bool ReadInout(ModemSession &session)
     QString hex;
     cutText(session, hex, [&] { return cutHexPair(reply, QStringLiteral("INOUT")); });
     OptionBits bits{};
-    Attempt(session.prompts(), [&] { bits = UnpackOptions(optionByte(HexToDecimal(hex))); });
+    attempt(session.prompts(), [&] { bits = UnpackOptions(optionByte(HexToDecimal(hex))); });
     return bits[OptionSignalStrength];
 }
 

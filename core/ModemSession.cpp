@@ -6,12 +6,14 @@
 #include "Prompts.h"
 #include "TimeSource.h"
 
+using namespace std::chrono_literals;
+
 namespace {
 constexpr char kCtrlC = 3;
 constexpr char kCr = 13;
 // The wait of every reply loop: no reply can be seen sooner than one step after the command.
-constexpr int kReplyStepMs = 100;
-constexpr int kSettleStepOkMs = 5;
+constexpr auto kReplyStep = 100ms;
+constexpr auto kSettleStepOk = 5ms;
 // WaitForBytes gives up after this many steps past the first: 51 steps, 5.1 seconds.
 constexpr int kByteWaitSteps = 50;
 
@@ -80,6 +82,11 @@ void ModemSession::MsDelay(int ms)
     m_time.MsDelay(ms);
 }
 
+void ModemSession::MsDelay(std::chrono::milliseconds wait)
+{
+    m_time.MsDelay(int(wait.count()));
+}
+
 void ModemSession::SendSlow(const QByteArray &text)
 {
     for (char c : text) {
@@ -88,13 +95,13 @@ void ModemSession::SendSlow(const QByteArray &text)
     }
 }
 
-void ModemSession::SendCommand(const QByteArray &command, Way way)
+void ModemSession::sendCommand(const QByteArray &command, Way way)
 {
     m_comm.Input();
-    SendText(command + kCrText, way);
+    sendText(command + kCrText, way);
 }
 
-void ModemSession::SendText(const QByteArray &text, Way way)
+void ModemSession::sendText(const QByteArray &text, Way way)
 {
     if (way == Way::Auto && IrDongleActive)
         SendSlow(text);
@@ -106,14 +113,14 @@ void ModemSession::WaitForBytes(int count)
 {
     PortClaim::takeForProgram(m_comm);
     for (int step = 0; m_comm.InBufferCount() <= count; ++step) {
-        MsDelay(kReplyStepMs);
+        MsDelay(kReplyStep);
         if (step == kByteWaitSteps)
             break;
     }
     // The reply has begun; it is whole once two looks a step apart agree.
     for (int seen = 0; m_comm.InBufferCount() != seen;) {
         seen = m_comm.InBufferCount();
-        MsDelay(kReplyStepMs);
+        MsDelay(kReplyStep);
     }
 }
 
@@ -122,7 +129,7 @@ void ModemSession::WaitForBytesOk(int count, bool &ok)
     PortClaim::takeForProgram(m_comm);
     // ok stays as the caller set it when the bytes were there at the first look.
     for (int step = 0; m_comm.InBufferCount() <= count; ++step) {
-        MsDelay(kReplyStepMs);
+        MsDelay(kReplyStep);
         if (step == kByteWaitSteps) {
             ok = false;
             return;
@@ -131,7 +138,7 @@ void ModemSession::WaitForBytesOk(int count, bool &ok)
     }
     for (int seen = 0; m_comm.InBufferCount() != seen;) {
         seen = m_comm.InBufferCount();
-        MsDelay(kSettleStepOkMs);
+        MsDelay(kSettleStepOk);
     }
 }
 
@@ -139,9 +146,9 @@ template <typename Stop> QByteArray ModemSession::collectReply(int timeoutMs, St
 {
     QByteArray buffer;
     stopped = false;
-    const int passes = timeoutMs / kReplyStepMs;
+    const int passes = timeoutMs / int(kReplyStep.count());
     for (int pass = 0; pass < passes; ++pass) {
-        MsDelay(kReplyStepMs);
+        MsDelay(kReplyStep);
         buffer += m_comm.Input();
         if (stop(buffer)) {
             stopped = true;
@@ -189,7 +196,7 @@ void ModemSession::WaitForReplyPolled(const QByteArray &text, int timeoutMs, boo
 
 void ModemSession::wireWrite(const QByteArray &bytes)
 {
-    IgnoreErrors([&] { m_comm.Output(bytes); });
+    ignoreErrors([&] { m_comm.Output(bytes); });
 }
 
 namespace {
@@ -273,7 +280,7 @@ void ModemSession::InitIrDongle()
     // Every statement runs with errors ignored: a closed port simply ends in the "not responding" box.
     const QString kept = m_comm.Settings();
     m_comm.Input();
-    IgnoreErrors([&] { m_comm.setSettings(QStringLiteral("9600,n,8,1")); });
+    ignoreErrors([&] { m_comm.setSettings(QStringLiteral("9600,n,8,1")); });
     // The pulse on RTS with DTR low puts the adaptor in its command state.
     m_comm.setRTSEnable(false);
     MsDelay(30);
@@ -284,7 +291,7 @@ void ModemSession::InitIrDongle()
     if (!WaitForReply(QByteArray(1, char(0xC2)), 200)) {
         m_prompts.MsgBox(QStringLiteral("The Infra-Red Dongle is not responding"));
         IrDongleActive = false;
-        IgnoreErrors([&] { m_comm.setSettings(kept); });
+        ignoreErrors([&] { m_comm.setSettings(kept); });
         m_comm.setRTSEnable(true);
         m_comm.setDTREnable(true);
         return;

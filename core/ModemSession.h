@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <chrono>
 #include <functional>
 
 class CommControl;
@@ -32,15 +33,16 @@ public:
     bool EscPressed = false;     // Esc was typed in the terminal
 
     void MsDelay(int ms);
+    void MsDelay(std::chrono::milliseconds wait);
     // One character at a time, with MsDelay(1) after each, the last one too.
     void SendSlow(const QByteArray &text);
 
     enum class Way { Auto, OneWrite };
     // Drains the input, then sends the command and one carriage return: one write, or SendSlow when
     // the adaptor is active and the way is Auto. Readers that always use one write pass OneWrite.
-    void SendCommand(const QByteArray &command, Way way = Way::Auto);
+    void sendCommand(const QByteArray &command, Way way = Way::Auto);
     // Sends the text as it stands (no drain, no carriage return added), choosing the way as above.
-    void SendText(const QByteArray &text, Way way = Way::Auto);
+    void sendText(const QByteArray &text, Way way = Way::Auto);
 
     void WaitForBytes(int count);
     void WaitForBytesOk(int count, bool &ok);

@@ -37,7 +37,7 @@ int compareNumbers(QStringView a, QStringView b)
 
 } // namespace
 
-bool NaturalLess(const QString &a, const QString &b)
+bool naturalLess(const QString &a, const QString &b)
 {
     qsizetype i = 0;
     qsizetype j = 0;
@@ -66,7 +66,7 @@ bool NaturalLess(const QString &a, const QString &b)
     return a < b;
 }
 
-QStringList OrderSystemPorts(const QStringList &systemLocations)
+QStringList orderSystemPorts(const QStringList &systemLocations)
 {
     QStringList ports = systemLocations;
     ports.removeDuplicates();
@@ -75,16 +75,16 @@ QStringList OrderSystemPorts(const QStringList &systemLocations)
         const bool adapterB = isAdapter(b);
         if (adapterA != adapterB)
             return adapterA;
-        return NaturalLess(a, b);
+        return naturalLess(a, b);
     });
     return ports;
 }
 
-QString DevicePathForPort(const IniFile &ini, int port, const QStringList &orderedSystemPorts)
+QString devicePathForPort(const IniFile &ini, int port, const QStringList &orderedSystemPorts)
 {
     if (port < kFirstPort || port > kLastPort)
         return QString();
-    const QString mapped = ini.GetString(QStringLiteral("Port Map"), QStringLiteral("COM%1").arg(port),
+    const QString mapped = ini.getString(QStringLiteral("Port Map"), QStringLiteral("COM%1").arg(port),
                                          QString(), kDevicePathBuffer);
     if (!mapped.isEmpty())
         return mapped;

@@ -10,8 +10,8 @@ class IniFile;
 // empty one) the numbers go to the serial devices the system lists, in a stable order: USB and ACM
 // adapters first, then built-in ports (natural order within each group: ttyUSB2 before ttyUSB10).
 // Returns an empty text when the number reaches nothing.
-QStringList OrderSystemPorts(const QStringList &systemLocations);
-QString DevicePathForPort(const IniFile &ini, int port, const QStringList &orderedSystemPorts);
+QStringList orderSystemPorts(const QStringList &systemLocations);
+QString devicePathForPort(const IniFile &ini, int port, const QStringList &orderedSystemPorts);
 
 // Compares texts with runs of digits taken as numbers: "ttyS2" comes before "ttyS10".
-bool NaturalLess(const QString &a, const QString &b);
+bool naturalLess(const QString &a, const QString &b);

@@ -14,7 +14,7 @@ const QString kRts = QStringLiteral("RTSEnable");
 const QString kHandshaking = QStringLiteral("Handshaking");
 } // namespace
 
-QString PortSection(const CommControl &control)
+QString portSection(const CommControl &control)
 {
     return QStringLiteral("Port_") + control.Tag();
 }
@@ -23,33 +23,33 @@ void LoadPortSettings(CommControl &control, const IniFile &ini, Prompts &prompts
                       const std::function<void()> &askUser)
 {
     bool wasOpen = control.PortOpen();
-    if (wasOpen && !Attempt(prompts, [&] { control.setPortOpen(false); }))
+    if (wasOpen && !attempt(prompts, [&] { control.setPortOpen(false); }))
         wasOpen = false;
-    const QString section = PortSection(control);
+    const QString section = portSection(control);
     // Each key in turn, read and applied; the boolean keys are read whole so that "True" reads back.
     const std::array<std::pair<QString, std::function<void()>>, 5> keys{{
-        {kCommPort, [&] { control.setCommPort(ini.GetInt(section, kCommPort, 0)); }},
-        {kSettings, [&] { control.setSettings(ini.GetString(section, kSettings, {}, 20).trimmed()); }},
-        {kDtr, [&] { control.setDTREnable(IniBool(ini.GetString(section, kDtr, {}, 6))); }},
-        {kRts, [&] { control.setRTSEnable(IniBool(ini.GetString(section, kRts, {}, 6))); }},
-        {kHandshaking, [&] { control.setHandshaking(ini.GetInt(section, kHandshaking, 0)); }},
+        {kCommPort, [&] { control.setCommPort(ini.getInt(section, kCommPort, 0)); }},
+        {kSettings, [&] { control.setSettings(ini.getString(section, kSettings, {}, 20).trimmed()); }},
+        {kDtr, [&] { control.setDTREnable(iniBool(ini.getString(section, kDtr, {}, 6))); }},
+        {kRts, [&] { control.setRTSEnable(iniBool(ini.getString(section, kRts, {}, 6))); }},
+        {kHandshaking, [&] { control.setHandshaking(ini.getInt(section, kHandshaking, 0)); }},
     }};
     for (const auto &[key, apply] : keys) {
-        if (!ini.HasKey(section, key)) {
+        if (!ini.hasKey(section, key)) {
             askUser();
             return;
         }
-        Attempt(prompts, apply);
+        attempt(prompts, apply);
     }
     if (wasOpen)
-        Attempt(prompts, [&] { control.setPortOpen(true); });
+        attempt(prompts, [&] { control.setPortOpen(true); });
 }
 
-std::optional<QString> AcceptPortChoice(CommControl &control, IniFile &ini, Prompts &prompts,
+std::optional<QString> acceptPortChoice(CommControl &control, IniFile &ini, Prompts &prompts,
                                         const PortChoice &choice)
 {
-    const QString section = PortSection(control);
-    Attempt(prompts, [&] {
+    const QString section = portSection(control);
+    attempt(prompts, [&] {
         control.setInputLen(0);
         control.setInterval(55);
         control.setSettings(choice.settings);
@@ -57,10 +57,10 @@ std::optional<QString> AcceptPortChoice(CommControl &control, IniFile &ini, Prom
         control.setRTSEnable(choice.rts);
         control.setHandshaking(choice.handshaking);
     });
-    ini.WriteString(section, kSettings, choice.settings);
-    ini.WriteString(section, kDtr, IniBoolText(choice.dtr));
-    ini.WriteString(section, kRts, IniBoolText(choice.rts));
-    ini.WriteString(section, kHandshaking, QString::number(choice.handshaking));
+    ini.writeString(section, kSettings, choice.settings);
+    ini.writeString(section, kDtr, iniBoolText(choice.dtr));
+    ini.writeString(section, kRts, iniBoolText(choice.rts));
+    ini.writeString(section, kHandshaking, QString::number(choice.handshaking));
     try {
         if (control.PortOpen())
             control.setPortOpen(false);
@@ -69,6 +69,6 @@ std::optional<QString> AcceptPortChoice(CommControl &control, IniFile &ini, Prom
     } catch (const AppError &error) {
         return error.description;
     }
-    ini.WriteString(section, kCommPort, QString::number(choice.commPort));
+    ini.writeString(section, kCommPort, QString::number(choice.commPort));
     return std::nullopt;
 }

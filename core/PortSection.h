@@ -10,7 +10,7 @@ class Prompts;
 
 // The serial line of a control between runs: the section "Port_" and the control's tag, with the keys
 // "Comm Port", "Settings", "DTREnable", "RTSEnable" and "Handshaking".
-QString PortSection(const CommControl &control);
+QString portSection(const CommControl &control);
 
 // What the port dialog hands over on OK.
 struct PortChoice
@@ -33,5 +33,5 @@ void LoadPortSettings(CommControl &control, const IniFile &ini, Prompts &prompts
 // The port dialog's OK: puts the choice on the control and writes the line keys, then re-opens the
 // port on the chosen number. The number is written only once the port opens; a failure to open
 // returns its text, for the dialog to show before it asks again.
-std::optional<QString> AcceptPortChoice(CommControl &control, IniFile &ini, Prompts &prompts,
+std::optional<QString> acceptPortChoice(CommControl &control, IniFile &ini, Prompts &prompts,
                                         const PortChoice &choice);

@@ -7,12 +7,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace std::chrono_literals;
+
 namespace {
 // Pieces that arrive closer together than this are a stream; typed keys come further apart.
-constexpr qint64 kStreamGapNs = 30'000'000;
+constexpr std::chrono::nanoseconds kStreamGap = 30ms;
 // How long a stream is gathered before the screen gets it: about as often as a scrolling screen
 // is repainted.
-constexpr int kGatherMs = 200;
+constexpr auto kGather = 200ms;
 // A device that delivers faster than this is no modem on a serial line (at most 115200 bits a
 // second) but a pseudo-terminal or a network bridge: it is read as fast as it delivers.
 constexpr qint64 kSerialLineBytesPerSecond = 4 * 115200 / 10;
@@ -117,11 +119,12 @@ void SerialCommControl::onReadyRead()
     // While gathering, the byte that woke the control waits in the buffer for the gathering's end.
     if (m_collecting || m_gather.isActive())
         return;
-    const qint64 sinceLastNs = m_lastPiece.isValid() ? m_lastPiece.nsecsElapsed() : kStreamGapNs;
+    const std::chrono::nanoseconds sinceLast =
+        m_lastPiece.isValid() ? std::chrono::nanoseconds(m_lastPiece.nsecsElapsed()) : kStreamGap;
     const QByteArray bytes = m_serial.readAll();
     // What follows a quiet spell is shown at once; a stream at the pace of a serial line is gathered.
-    const bool stream = sinceLastNs < kStreamGapNs;
-    const bool lineSpeed = bytes.size() * 1'000'000'000LL < kSerialLineBytesPerSecond * sinceLastNs;
+    const bool stream = sinceLast < kStreamGap;
+    const bool lineSpeed = bytes.size() * 1'000'000'000LL < kSerialLineBytesPerSecond * sinceLast.count();
     hand(bytes, stream && lineSpeed);
 }
 
@@ -131,7 +134,7 @@ void SerialCommControl::hand(const QByteArray &bytes, bool gatherNext)
     m_lastPiece.start();
     if (gatherNext && PortOpen() && AutoProcess() == kAutoProcessTerminal) {
         m_serial.setReadBufferSize(1);
-        m_gather.start(kGatherMs);
+        m_gather.start(kGather);
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include <QSaveFile>
 
-WholeFileResult WriteWholeFile(const QString &path, const QByteArray &bytes)
+WholeFileResult writeWholeFile(const QString &path, const QByteArray &bytes)
 {
     QSaveFile file(path);
     // Unbuffered, so that a failing write is seen here: a buffered one fails only while committing,

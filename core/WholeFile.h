@@ -7,4 +7,4 @@
 // it only once all of them are written, so a crash or a full disk leaves the old file as it was.
 enum class WholeFileResult { Written, CannotOpen, WriteFailed };
 
-WholeFileResult WriteWholeFile(const QString &path, const QByteArray &bytes);
+WholeFileResult writeWholeFile(const QString &path, const QByteArray &bytes);

@@ -21,7 +21,7 @@ bool folderOf(const QString &path)
 }
 } // namespace
 
-QStringList ProgramLinesFromText(const QByteArray &text)
+QStringList programLinesFromText(const QByteArray &text)
 {
     QStringList lines;
     qsizetype start = 0;
@@ -40,7 +40,7 @@ QStringList ProgramLinesFromText(const QByteArray &text)
     return lines;
 }
 
-QByteArray ProgramFileText(const QStringList &lines)
+QByteArray programFileText(const QStringList &lines)
 {
     QByteArray text;
     for (const QString &line : lines)
@@ -49,7 +49,7 @@ QByteArray ProgramFileText(const QStringList &lines)
     return text + kLineEnd;
 }
 
-QString FileDialogFilter(const QString &barSeparated)
+QString fileDialogFilter(const QString &barSeparated)
 {
     const QStringList parts = barSeparated.split(QLatin1Char('|'));
     QStringList rows;
@@ -66,7 +66,7 @@ QString FileDialogFilter(const QString &barSeparated)
     return rows.join(QStringLiteral(";;"));
 }
 
-int OpenErrorNumber(int osError, bool folderExists)
+int openErrorNumber(int osError, bool folderExists)
 {
     using namespace AppErrors;
     switch (osError) {
@@ -88,7 +88,7 @@ int OpenErrorNumber(int osError, bool folderExists)
     }
 }
 
-QString OpenErrorMessage(int number)
+QString openErrorMessage(int number)
 {
     using namespace AppErrors;
     switch (number) {
@@ -105,13 +105,13 @@ QString OpenErrorMessage(int number)
     }
 }
 
-bool OpenErrorAsksAgain(int number)
+bool openErrorAsksAgain(int number)
 {
     using namespace AppErrors;
     return number == FileNotFound || number == BadFileName || number == PathNotFound;
 }
 
-ProgramFileContents ReadProgramFile(const QString &path)
+ProgramFileContents readProgramFile(const QString &path)
 {
     ProgramFileContents contents;
     if (path.isEmpty() || path.contains(QChar(0))) {
@@ -121,7 +121,7 @@ ProgramFileContents ReadProgramFile(const QString &path)
     // The descriptor is opened here rather than by QFile so that the system's reason is at hand.
     const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) {
-        contents.errorNumber = OpenErrorNumber(errno, folderOf(path));
+        contents.errorNumber = openErrorNumber(errno, folderOf(path));
         return contents;
     }
     QFile file;
@@ -131,13 +131,13 @@ ProgramFileContents ReadProgramFile(const QString &path)
         return contents;
     }
     // Once the file is open a read error no longer stops anything: what came before it counts.
-    contents.lines = ProgramLinesFromText(file.readAll());
+    contents.lines = programLinesFromText(file.readAll());
     return contents;
 }
 
-void WriteProgramFile(const QString &path, const QStringList &lines)
+void writeProgramFile(const QString &path, const QStringList &lines)
 {
-    switch (WriteWholeFile(path, ProgramFileText(lines))) {
+    switch (writeWholeFile(path, programFileText(lines))) {
     case WholeFileResult::Written:
         return;
     case WholeFileResult::CannotOpen:

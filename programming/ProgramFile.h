@@ -9,24 +9,24 @@
 
 // The lines of a file's text, in order: every line that is not empty, unchanged (a line of blanks
 // stays). A carriage return, a line feed, or the two together end a line.
-QStringList ProgramLinesFromText(const QByteArray &text);
+QStringList programLinesFromText(const QByteArray &text);
 // The text of a file holding these lines.
-QByteArray ProgramFileText(const QStringList &lines);
+QByteArray programFileText(const QStringList &lines);
 
 // The filter of a file dialog as the program writes it ("Text (*.txt)|*.txt|All (*.*)|*.*|"),
 // turned into the form the dialog takes ("Text (*.txt);;All (*.*)").
-QString FileDialogFilter(const QString &barSeparated);
+QString fileDialogFilter(const QString &barSeparated);
 
 // Opening a program file gives the error numbers of AppErrors (core/AppError.h); Open tells the user
 // about four of them.
 
 // The error number for a failed opening: the system's error code, and whether the folder the
 // name points into exists (a missing file and a missing folder give the same code).
-int OpenErrorNumber(int osError, bool folderExists);
+int openErrorNumber(int osError, bool folderExists);
 // What Open shows for an error number; empty for the numbers it passes over in silence.
-QString OpenErrorMessage(int number);
+QString openErrorMessage(int number);
 // Whether Open offers its file dialog again after the error: for a name that leads nowhere.
-bool OpenErrorAsksAgain(int number);
+bool openErrorAsksAgain(int number);
 
 struct ProgramFileContents
 {
@@ -36,8 +36,8 @@ struct ProgramFileContents
 
 // Opens and reads a program file whole. A failure to open gives its error number and no lines;
 // a failure while reading keeps what was read before it.
-ProgramFileContents ReadProgramFile(const QString &path);
+ProgramFileContents readProgramFile(const QString &path);
 
 // Writes the lines as a program file, replacing the file only once the whole text is safely
 // written: a failure leaves an existing file as it was. Throws AppError on failure.
-void WriteProgramFile(const QString &path, const QStringList &lines);
+void writeProgramFile(const QString &path, const QStringList &lines);

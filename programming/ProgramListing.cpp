@@ -20,7 +20,7 @@ qsizetype toLetter(const QByteArray &reply, qsizetype pos)
 }
 } // namespace
 
-ProgramListing ParseProgramListing(const QByteArray &reply)
+ProgramListing parseProgramListing(const QByteArray &reply)
 {
     ProgramListing listing;
     qsizetype promptAt = reply.indexOf(kCommandPrompt);

@@ -18,4 +18,4 @@ struct ProgramListing
     QStringList lines; // no lines when neither prompt stands in the reply
 };
 
-ProgramListing ParseProgramListing(const QByteArray &reply);
+ProgramListing parseProgramListing(const QByteArray &reply);

@@ -25,9 +25,9 @@ void ReadProgram(ModemSession &session, QStringList &list)
     // A read that fails on the way is not reported: the failing step is passed over.
     QByteArray prompt;
     if (session.ProgMode == kRemoteReadMode || session.EnterCommandModeKeep()) {
-        IgnoreErrors([&] { session.SendText(kListingRequest + kCr); });
+        ignoreErrors([&] { session.sendText(kListingRequest + kCr); });
         session.WaitForBytes(10);
-        const ProgramListing listing = ParseProgramListing(comm.Input());
+        const ProgramListing listing = parseProgramListing(comm.Input());
         if (listing.prompt.isEmpty()) {
             // Nothing more goes out: the link, if there was one, is gone.
             session.prompts().setBusy(false);
@@ -39,17 +39,17 @@ void ReadProgram(ModemSession &session, QStringList &list)
         list += listing.lines;
         // The routes come last, whatever their place in the modem.
         QStringList routes;
-        IgnoreErrors([&] { ReadRoutes(session, routes); });
+        ignoreErrors([&] { ReadRoutes(session, routes); });
         list += routes;
     }
 
     if (prompt == kRemotePrompt) {
         // Ends the remote session; the adaptor's slow way is never needed for one character.
-        IgnoreErrors([&] { comm.Output(kCtrlC); });
+        ignoreErrors([&] { comm.Output(kCtrlC); });
         session.WaitForReply("CMD:", 1000);
     }
     if (session.ProgMode == kRemoteReadMode)
-        IgnoreErrors([&] { comm.Output(QByteArrayLiteral("reset\r")); });
+        ignoreErrors([&] { comm.Output(QByteArrayLiteral("reset\r")); });
     session.ProgMode.clear();
 }
 
@@ -63,7 +63,7 @@ int DownloadProgram(ModemSession &session, const QStringList &list,
     PortClaim::takeForProgram(session.Comm1());
 
     // Silence after the factory default does not stop the download.
-    Attempt(prompts, [&] { session.SendText(QByteArrayLiteral("FA\r")); });
+    attempt(prompts, [&] { session.sendText(QByteArrayLiteral("FA\r")); });
     session.WaitForReply("Unit Address", session.IrDongleActive ? 4000 : 3000);
 
     // The check for an empty list comes after the reset, and stays there.
@@ -79,7 +79,7 @@ int DownloadProgram(ModemSession &session, const QStringList &list,
         const QString &line = list[i];
         if (line.isEmpty())
             continue;
-        Attempt(prompts, [&] { session.SendText(line.toLatin1() + kCr); });
+        attempt(prompts, [&] { session.sendText(line.toLatin1() + kCr); });
         if (!session.WaitForReplyChecked("CMD:", 1000)) {
             // The refused line stays selected and nothing is saved; the busy pointer stays up.
             busy.keep();
@@ -90,7 +90,7 @@ int DownloadProgram(ModemSession &session, const QStringList &list,
         }
     }
 
-    Attempt(prompts, [&] { session.SendText(QByteArrayLiteral("save\r")); });
+    attempt(prompts, [&] { session.sendText(QByteArrayLiteral("save\r")); });
     prompts.MsgBox(
         QStringLiteral("Download Complete.\r\nTo Place Varnel in Operation, Set Last Switch (#2 or #8) "
                        "on Serial Port Setup-Switches to ON (Up) Position and Reset Varnel."),

@@ -103,7 +103,7 @@ ProgrammingMenu::ProgrammingMenu(ModemSession &session, QWidget *parent)
 
     connect(m_cmdokVNL, &QPushButton::clicked, this, &ProgrammingMenu::addTypedCommand);
     connect(m_cmddelete, &QPushButton::clicked, this, &ProgrammingMenu::deleteSelectedCommand);
-    connect(m_cmdClear, &QPushButton::clicked, this, &ProgrammingMenu::SavePrompt);
+    connect(m_cmdClear, &QPushButton::clicked, this, &ProgrammingMenu::savePrompt);
     connect(m_cmdreturn, &QPushButton::clicked, this, &ProgrammingMenu::close);
 
     m_Label1->setText(welcomeText());
@@ -119,9 +119,9 @@ void ProgrammingMenu::buildMenus()
 
     QMenu *mnufile = namedMenu(menuBar(), "mnufile", QStringLiteral("&File"));
     connect(namedEntry(mnufile, "mnuopen", QStringLiteral("Open Program File")), &QAction::triggered, this,
-            &ProgrammingMenu::OpenProgramFile);
+            &ProgrammingMenu::openProgramFile);
     connect(namedEntry(mnufile, "mnusave2", QStringLiteral("Save Program File")), &QAction::triggered, this,
-            &ProgrammingMenu::SaveProgramFile);
+            &ProgrammingMenu::saveProgramFile);
     QMenu *mnuread = namedMenu(mnufile, "mnuread", QStringLiteral("&Read Program From Varnel"));
     connect(namedEntry(mnuread, "mnureadconn", QStringLiteral("Read from Connected Varnel")),
             &QAction::triggered, this, &ProgrammingMenu::readFromConnected);
@@ -131,7 +131,7 @@ void ProgrammingMenu::buildMenus()
             this, &ProgrammingMenu::downloadToConnected);
     later(namedEntry(mnusave, "mnuremote", QStringLiteral("To Remote Varnel")));
     connect(namedEntry(mnufile, "mnuclear", QStringLiteral("Clear Command List")), &QAction::triggered, this,
-            &ProgrammingMenu::SavePrompt);
+            &ProgrammingMenu::savePrompt);
     namedSeparator(mnufile, "mnudash11");
     connect(namedEntry(mnufile, "mnuMainmenu8", QStringLiteral("Return to Main Menu")), &QAction::triggered,
             this, &ProgrammingMenu::close);
@@ -218,18 +218,18 @@ void ProgrammingMenu::deleteSelectedCommand()
     m_cmboedit->removeLine(m_cmboedit->listIndex());
 }
 
-void ProgrammingMenu::SavePrompt()
+void ProgrammingMenu::savePrompt()
 {
     if (m_cmboedit->count() == 0)
         return;
     if (m_session.prompts().MsgBox(QStringLiteral("Do You Wish to Save The Current Command List?"),
                                    MsgButtons::YesNo, MsgIcon::Question) == MsgAnswer::Yes)
-        SaveProgramFile();
+        saveProgramFile();
     // Whatever came of the saving, the list starts afresh.
     m_cmboedit->clear();
 }
 
-void ProgrammingMenu::SaveProgramFile()
+void ProgrammingMenu::saveProgramFile()
 {
     Prompts &prompts = m_session.prompts();
     if (m_cmboedit->listIndex() >= 0)
@@ -242,32 +242,32 @@ void ProgrammingMenu::SaveProgramFile()
 
     FileDialogRequest request;
     request.kind = FileDialogRequest::Kind::Save;
-    request.filter = FileDialogFilter(kSaveFilter);
+    request.filter = fileDialogFilter(kSaveFilter);
     request.overwritePrompt = true;
     const QString name = prompts.FileDialog(request);
     if (name.isEmpty())
         return;
-    Attempt(prompts, [&] { WriteProgramFile(name, lines); });
+    attempt(prompts, [&] { writeProgramFile(name, lines); });
 }
 
-void ProgrammingMenu::OpenProgramFile()
+void ProgrammingMenu::openProgramFile()
 {
-    SavePrompt();
+    savePrompt();
     Prompts &prompts = m_session.prompts();
     BusyPointer busy(prompts);
     for (;;) {
         FileDialogRequest request;
         request.kind = FileDialogRequest::Kind::Open;
         request.fileName = kBlankName;
-        request.filter = FileDialogFilter(kOpenFilter);
+        request.filter = fileDialogFilter(kOpenFilter);
         const QString name = prompts.FileDialog(request);
         if (name.isEmpty() || name == kBlankName)
             break;
-        const ProgramFileContents contents = ReadProgramFile(name);
-        const QString message = OpenErrorMessage(contents.errorNumber);
+        const ProgramFileContents contents = readProgramFile(name);
+        const QString message = openErrorMessage(contents.errorNumber);
         if (!message.isEmpty())
             prompts.MsgBox(message);
-        if (OpenErrorAsksAgain(contents.errorNumber))
+        if (openErrorAsksAgain(contents.errorNumber))
             continue;
         for (const QString &line : contents.lines)
             m_cmboedit->addLine(line);
@@ -286,7 +286,7 @@ void ProgrammingMenu::showCustomListing()
 
 void ProgrammingMenu::readFromConnected()
 {
-    SavePrompt();
+    savePrompt();
     QStringList lines;
     ReadProgram(m_session, lines);
     for (const QString &line : std::as_const(lines))
@@ -303,7 +303,7 @@ void ProgrammingMenu::closeEvent(QCloseEvent *event)
     if (m_cmboedit->count() > 0) {
         if (m_session.prompts().MsgBox(QStringLiteral("Do You Wish to Save The Command List?"),
                                        MsgButtons::YesNo, MsgIcon::Question) == MsgAnswer::Yes)
-            SaveProgramFile();
+            saveProgramFile();
         m_cmboedit->clear();
     }
     // Leaving the section gives the port back to the terminal.

@@ -27,11 +27,11 @@ public:
     CommandListBox &cmboedit() const { return *m_cmboedit; }
 
     // If the list holds lines, offers to save them; then empties the list in any case.
-    void SavePrompt();
+    void savePrompt();
     // Saves the list as a program file, the user choosing the name.
-    void SaveProgramFile();
+    void saveProgramFile();
     // Replaces the list by the lines of a program file, after the save prompt.
-    void OpenProgramFile();
+    void openProgramFile();
 
 signals:
     // The screen has closed: the main menu shows itself again.

@@ -47,7 +47,7 @@ qint32 shiftedRight(qint32 value, int count)
 
 } // namespace
 
-LatchScheme ChooseLatchScheme(int option, int serialNumber)
+LatchScheme chooseLatchScheme(int option, int serialNumber)
 {
     if (optionBitSet(option, OptionNewSynth))
         return LatchScheme::C;
@@ -137,7 +137,7 @@ double LatchesToFreqC(const QString &model, double a1, double n1, int option)
     return (50000 * n1 + 6250 * a1 - kOffsetHz) / 1000000;
 }
 
-void FreqToLatches(LatchScheme scheme, const QString &model, const QString &frequency, int option, double &a1,
+void freqToLatches(LatchScheme scheme, const QString &model, const QString &frequency, int option, double &a1,
                    double &n1, double &n2)
 {
     switch (scheme) {
@@ -154,7 +154,7 @@ void FreqToLatches(LatchScheme scheme, const QString &model, const QString &freq
     n2 = 0;
 }
 
-double LatchesToFreq(LatchScheme scheme, const QString &model, double a1, double n1, double n2, int option)
+double latchesToFreq(LatchScheme scheme, const QString &model, double a1, double n1, double n2, int option)
 {
     switch (scheme) {
     case LatchScheme::A:

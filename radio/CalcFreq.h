@@ -13,7 +13,7 @@
 // Which calculation a unit uses: option bit 1 ("New SA8026 Synth") is C, an old-case serial number
 // below 12000 is A, the rest B.
 enum class LatchScheme { A, B, C };
-LatchScheme ChooseLatchScheme(int option, int serialNumber);
+LatchScheme chooseLatchScheme(int option, int serialNumber);
 
 // Scheme A. The modem's loop runs at a tenth of the radio frequency, in steps of 6.25 kHz (5 kHz
 // with option bit 5 on the VHF models). The outputs are left as they were for a model without a
@@ -35,9 +35,9 @@ void FreqRangeForModel(const QString &model, int option, double &low, double &hi
 
 // The calculation of a scheme, as the frequency screens choose it. The frequency comes as the
 // text the user entered; with schemes B and C, n2 is set to 0.
-void FreqToLatches(LatchScheme scheme, const QString &model, const QString &frequency, int option, double &a1,
+void freqToLatches(LatchScheme scheme, const QString &model, const QString &frequency, int option, double &a1,
                    double &n1, double &n2);
-double LatchesToFreq(LatchScheme scheme, const QString &model, double a1, double n1, double n2, int option);
+double latchesToFreq(LatchScheme scheme, const QString &model, double a1, double n1, double n2, int option);
 
 // Doubles value count times, in 32 bits.
 void ShiftLeftBits(int count, qint32 &value);

@@ -41,7 +41,7 @@ MainMenu::MainMenu(ModemSession &session, IniFile &ini, QWidget *parent)
     : QMainWindow(parent), m_session(session), m_ini(ini)
 {
     setObjectName(QStringLiteral("MainMenu"));
-    setWindowTitle(AppTitle() + QStringLiteral(" - Main Menu"));
+    setWindowTitle(appTitle() + QStringLiteral(" - Main Menu"));
 
     auto *central = new QWidget(this);
     auto *grid = new QGridLayout(central);
@@ -179,7 +179,7 @@ void MainMenu::cmdTermEm_Click()
     m_terminal->activateWindow();
     m_terminal->FocusComm1();
     // A carriage return makes the modem show a fresh prompt on the screen.
-    IgnoreErrors([&] { comm.Output(QByteArrayLiteral("\r")); });
+    ignoreErrors([&] { comm.Output(QByteArrayLiteral("\r")); });
     PortClaim::giveToTerminal(comm);
     setVisible(false);
     m_terminal->ShowTermIntro();
@@ -189,7 +189,7 @@ void MainMenu::cmdProductInfo_Click()
 {
     QString root;
     FindCdDrive(root);
-    const QString message = ProductInformationMessage(root);
+    const QString message = productInformationMessage(root);
     if (!message.isEmpty())
         m_session.prompts().MsgBox(message);
 }

@@ -6,7 +6,7 @@
 #include <QRegularExpression>
 #include <QUrl>
 
-QStringList OpticalMountPoints(const QString &mountsTable)
+QStringList opticalMountPoints(const QString &mountsTable)
 {
     QStringList roots;
     static const QRegularExpression opticalDevice(QStringLiteral("^/dev/(sr\\d+|cdrom\\d*|scd\\d+)$"));
@@ -31,12 +31,12 @@ void FindCdDrive(QString &rootPath)
     QFile mounts(QStringLiteral("/proc/self/mounts"));
     if (!mounts.open(QIODevice::ReadOnly))
         return;
-    const QStringList roots = OpticalMountPoints(QString::fromLocal8Bit(mounts.readAll()));
+    const QStringList roots = opticalMountPoints(QString::fromLocal8Bit(mounts.readAll()));
     if (!roots.isEmpty())
         rootPath = roots.first();
 }
 
-std::function<bool(const QString &)> &DesktopOpener()
+std::function<bool(const QString &)> &desktopOpener()
 {
     static std::function<bool(const QString &)> opener = [](const QString &fileName) {
         return QDesktopServices::openUrl(QUrl::fromLocalFile(fileName));
@@ -48,10 +48,10 @@ bool OpenWithAssociation(const QString &fileName)
 {
     if (QFileInfo(fileName).suffix().isEmpty())
         return false;
-    return DesktopOpener()(fileName);
+    return desktopOpener()(fileName);
 }
 
-QString ProductInformationMessage(const QString &cdRoot)
+QString productInformationMessage(const QString &cdRoot)
 {
     const QString file = cdRoot + QStringLiteral("1_default.html");
     // With no disc the name stands alone and is not found either.

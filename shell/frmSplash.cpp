@@ -23,7 +23,7 @@ frmSplash::frmSplash(QWidget *parent) : QWidget(parent, Qt::SplashScreen | Qt::F
     lblCompanyProduct = label("lblCompanyProduct", QStringLiteral("Model Q40"), 14);
     lblProductName = label("lblProductName", QStringLiteral("Varnel Utility"), 22);
     lblPlatform = label("lblPlatform", QStringLiteral("for Windows"), 11);
-    lblVersion = label("lblVersion", QStringLiteral("Version ") + AppVersionText(), 11);
+    lblVersion = label("lblVersion", QStringLiteral("Version ") + appVersionText(), 11);
     lblCopyright = label("lblCopyright", QStringLiteral("Copyright \u00A9 Varnel. All rights reserved."), 9);
     setMinimumSize(420, 240);
 

@@ -11,7 +11,7 @@ SimulatedModemLink::SimulatedModemLink(const Scenario &scenario) : m_network(m_t
     m_port.setPeer(this);
     const LineSettings start =
         scenario.irAdaptor ? LineSettings{9600, 'N', 8, 1} : m_network.local().lineSettings();
-    m_port.setSettings(LineSettingsText(start));
+    m_port.setSettings(lineSettingsText(start));
     m_port.setPortOpen(true);
     m_port.setAutoProcess(CommControl::kAutoProcessProgram);
 }

@@ -34,7 +34,7 @@ void selectText(QComboBox *list, const QString &text)
 }
 } // namespace
 
-std::function<void()> &MWPort::EndProgram()
+std::function<void()> &MWPort::endProgram()
 {
     static std::function<void()> end = [] { std::exit(0); };
     return end;
@@ -128,7 +128,7 @@ bool MWPort::SetPortSettings(CommControl &control)
     while (exec() == QDialog::Accepted) {
         // Every accepted port dialog drops the adaptor: its settings no longer fit it.
         m_session.IrDongleActive = false;
-        if (const auto failure = AcceptPortChoice(control, m_ini, m_session.prompts(), choice())) {
+        if (const auto failure = acceptPortChoice(control, m_ini, m_session.prompts(), choice())) {
             // The user can try again.
             m_session.prompts().MsgBox(*failure);
             continue;
@@ -146,5 +146,5 @@ void MWPort::reject()
     }
     if (m_session.prompts().MsgBox(QStringLiteral("This will end your application"), MsgButtons::OkCancel,
                                    MsgIcon::None, QStringLiteral("Port Setup")) == MsgAnswer::Ok)
-        EndProgram()();
+        endProgram()();
 }

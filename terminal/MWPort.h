@@ -24,7 +24,7 @@ public:
     bool SetPortSettings(CommControl &control);
 
     // What ends the program when the user gives up the first-run setup. Tests replace it.
-    static std::function<void()> &EndProgram();
+    static std::function<void()> &endProgram();
 
     bool PortSetupRequired = false;
 

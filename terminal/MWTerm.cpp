@@ -57,7 +57,7 @@ QSpinBox *numberField(QWidget *parent, const char *name, int minimum, int maximu
 
 bool readBool(const IniFile &ini, const QString &section, const QString &key)
 {
-    return IniBool(ini.GetString(section, key, IniBoolText(false)));
+    return iniBool(ini.getString(section, key, iniBoolText(false)));
 }
 
 } // namespace
@@ -245,7 +245,7 @@ void MWTerm::LoadTerminalSettings(TerminalScreen &control)
     port.setRThreshold(0);
     PortClaim::giveToTerminal(port);
 
-    const int emulation = m_ini.GetInt(section, QStringLiteral("Emulation"), 0);
+    const int emulation = m_ini.getInt(section, QStringLiteral("Emulation"), 0);
     if (emulation == 0) {
         control.setEmulation(2);
         SetTerminalSettings(control);
@@ -253,23 +253,23 @@ void MWTerm::LoadTerminalSettings(TerminalScreen &control)
     }
     control.setEmulation(emulation);
 
-    font.setFamily(m_ini.GetString(section, QStringLiteral("FontName"), font.family()));
+    font.setFamily(m_ini.getString(section, QStringLiteral("FontName"), font.family()));
     const double size =
-        FontSizeValue(m_ini.GetString(section, QStringLiteral("Fontsize"), QStringLiteral("9.1")));
+        FontSizeValue(m_ini.getString(section, QStringLiteral("Fontsize"), QStringLiteral("9.1")));
     if (size > 0)
         font.setPointSizeF(size);
     font.setBold(readBool(m_ini, section, QStringLiteral("FontBold")));
     font.setItalic(readBool(m_ini, section, QStringLiteral("FontItalic")));
     control.setFont(font);
-    control.setBackColor(m_ini.GetInt(section, QStringLiteral("BackColor"), 1));
-    control.setForeColor(m_ini.GetInt(section, QStringLiteral("ForeColor"), 15));
-    const int columns = m_ini.GetInt(section, QStringLiteral("Columns"), TerminalScreen::kDefaultColumns);
+    control.setBackColor(m_ini.getInt(section, QStringLiteral("BackColor"), 1));
+    control.setForeColor(m_ini.getInt(section, QStringLiteral("ForeColor"), 15));
+    const int columns = m_ini.getInt(section, QStringLiteral("Columns"), TerminalScreen::kDefaultColumns);
     const int limit = ScrollLimit(columns);
     const int rows =
-        std::min(m_ini.GetInt(section, QStringLiteral("Rows"), TerminalScreen::kDefaultRows), limit);
-    control.setScrollRows(std::min(m_ini.GetInt(section, QStringLiteral("ScrollRows"), limit), limit));
-    control.setCursorType(m_ini.GetInt(section, QStringLiteral("CursorType"), 0));
-    control.setBackspace(m_ini.GetInt(section, QStringLiteral("Backspace"), 0));
+        std::min(m_ini.getInt(section, QStringLiteral("Rows"), TerminalScreen::kDefaultRows), limit);
+    control.setScrollRows(std::min(m_ini.getInt(section, QStringLiteral("ScrollRows"), limit), limit));
+    control.setCursorType(m_ini.getInt(section, QStringLiteral("CursorType"), 0));
+    control.setBackspace(m_ini.getInt(section, QStringLiteral("Backspace"), 0));
     control.setEcho(readBool(m_ini, section, QStringLiteral("Echo(Duplex)")));
 
     // The screen's text comes through the change of size, less its trailing empty lines.

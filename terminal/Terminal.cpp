@@ -194,7 +194,7 @@ void Terminal::Load()
         port.SetPortSettings(Comm1());
     });
     setPortTitle();
-    Attempt(m_session.prompts(), [&] {
+    attempt(m_session.prompts(), [&] {
         if (!Comm1().PortOpen())
             Comm1().setPortOpen(true);
     });
@@ -214,7 +214,7 @@ void Terminal::Unload()
         m_session.prompts().Beep();
         m_session.prompts().MsgBox(QStringLiteral("Capture File Closed"));
     }
-    IgnoreErrors([&] {
+    ignoreErrors([&] {
         if (Comm1().PortOpen())
             Comm1().setPortOpen(false);
     });
@@ -296,14 +296,14 @@ void Terminal::MFile_Click(int index)
 {
     switch (index) {
     case 1:
-        Attempt(m_session.prompts(), [&] { OpenCapture(*Comm1Screen, kCaptureStandard); });
+        attempt(m_session.prompts(), [&] { OpenCapture(*Comm1Screen, kCaptureStandard); });
         if (!Comm1Screen->CaptureFilename().isEmpty()) {
             MFile(1)->setEnabled(false);
             MFile(2)->setEnabled(true);
         }
         break;
     case 2:
-        Attempt(m_session.prompts(), [&] { CloseCapture(*Comm1Screen); });
+        attempt(m_session.prompts(), [&] { CloseCapture(*Comm1Screen); });
         MFile(1)->setEnabled(true);
         MFile(2)->setEnabled(false);
         FocusComm1();
@@ -324,7 +324,7 @@ void Terminal::MEdit_Click(int index)
         clipboard->clear();
         clipboard->setText(Comm1Screen->SelText());
     } else if (index == 2) {
-        Attempt(m_session.prompts(), [&] { Comm1().Output(clipboardText().toLatin1()); });
+        attempt(m_session.prompts(), [&] { Comm1().Output(clipboardText().toLatin1()); });
     }
 }
 
@@ -368,34 +368,34 @@ void Terminal::mnudongle_Click()
     m_session.InitIrDongle();
     if (m_session.IrDongleActive) {
         setWindowTitle(QStringLiteral("COM%1: Using IR Dongle").arg(Comm1().CommPort()));
-        Attempt(m_session.prompts(), [&] { Comm1().Output(QByteArray(1, kCtrlC)); });
+        attempt(m_session.prompts(), [&] { Comm1().Output(QByteArray(1, kCtrlC)); });
     }
 }
 
 void Terminal::mnutest_Click()
 {
-    Attempt(m_session.prompts(), [&] { m_session.SendText(QByteArray(kTestString)); });
+    attempt(m_session.prompts(), [&] { m_session.sendText(QByteArray(kTestString)); });
 }
 
 void Terminal::mnuCtrlC_Click()
 {
     // The control character goes by itself, even through the adaptor, and the word a tenth of a
     // second later.
-    Attempt(m_session.prompts(), [&] { Comm1().Output(QByteArray(1, kCtrlC)); });
+    attempt(m_session.prompts(), [&] { Comm1().Output(QByteArray(1, kCtrlC)); });
     m_session.MsDelay(100);
-    Attempt(m_session.prompts(), [&] { m_session.SendText(QByteArrayLiteral("Disconnect\r")); });
+    attempt(m_session.prompts(), [&] { m_session.sendText(QByteArrayLiteral("Disconnect\r")); });
 }
 
 void Terminal::MSetup_Click(int index)
 {
     if (index == 1) {
-        Attempt(m_session.prompts(), [&] {
+        attempt(m_session.prompts(), [&] {
             MWPort port(m_session, m_ini, this);
             port.SetPortSettings(Comm1());
         });
         setPortTitle();
     } else if (index == 2) {
-        Attempt(m_session.prompts(), [&] {
+        attempt(m_session.prompts(), [&] {
             MWTerm settings(m_session, m_ini, this);
             settings.SetTerminalSettings(*Comm1Screen);
         });
@@ -421,7 +421,7 @@ void Terminal::Btn_Click(int index)
         return;
     }
     // One write whatever AutoProcess is, never character by character.
-    Attempt(m_session.prompts(), [&] { Comm1().Output(button->Tag.toLatin1()); });
+    attempt(m_session.prompts(), [&] { Comm1().Output(button->Tag.toLatin1()); });
     FocusComm1();
 }
 
@@ -442,13 +442,13 @@ void Terminal::mnuhp_Click()
 
 void Terminal::Comm1_Receive()
 {
-    IgnoreErrors([&] { Comm1().Disp(Comm1().Input()); });
+    ignoreErrors([&] { Comm1().Disp(Comm1().Input()); });
 }
 
 void Terminal::Comm1_KeyPress(int ascii)
 {
     if (Comm1().AutoProcess() == CommControl::kAutoProcessProgram)
-        IgnoreErrors([&] { Comm1().Output(QByteArray(1, char(ascii))); });
+        ignoreErrors([&] { Comm1().Output(QByteArray(1, char(ascii))); });
     if (ascii == 27)
         m_session.EscPressed = true;
 }
@@ -459,7 +459,7 @@ void Terminal::Comm1_KeyDown(int key, Qt::KeyboardModifiers shift)
     const bool withCtrl = shift & Qt::ControlModifier;
     const QString selection = Comm1Screen->SelText();
     if (key == Qt::Key_Insert && withShift) {
-        IgnoreErrors([&] { Comm1().Output(clipboardText().toLatin1()); });
+        ignoreErrors([&] { Comm1().Output(clipboardText().toLatin1()); });
     } else if (key == Qt::Key_Insert && withCtrl) {
         // The keyboard copies leave out the selection's last character.
         if (!selection.isEmpty())
@@ -492,7 +492,7 @@ void Terminal::keyPressEvent(QKeyEvent *event)
         return;
     }
     FocusComm1();
-    IgnoreErrors([&] {
+    ignoreErrors([&] {
         if (Comm1().PortOpen())
             Comm1().Output(QByteArray(1, char(ascii)));
     });

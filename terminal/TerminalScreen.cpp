@@ -260,7 +260,7 @@ void TerminalScreen::process(qsizetype maxBytes)
     m_capture.flush();
     const QByteArray reply = m_emu.takeOutput();
     if (!reply.isEmpty() && m_port && m_port->AutoProcess() == CommControl::kAutoProcessTerminal)
-        IgnoreErrors([&] { m_port->Output(reply); });
+        ignoreErrors([&] { m_port->Output(reply); });
     if (m_emu.takeBells() > 0)
         emit bell();
     const qint64 scrolled = m_emu.takeScrolledLines();
@@ -716,7 +716,7 @@ void TerminalScreen::restyle()
 
 void TerminalScreen::sendFromKeyboard(const QByteArray &bytes)
 {
-    IgnoreErrors([&] { m_port->Output(bytes); });
+    ignoreErrors([&] { m_port->Output(bytes); });
     if (m_echo)
         display(bytes);
     QScrollBar *bar = verticalScrollBar();

@@ -59,18 +59,18 @@ void ApplyTermSettings(TerminalScreen &screen, const TermSettings &settings)
 void WriteTermSettings(IniFile &ini, const QString &section, const TermSettings &settings)
 {
     const auto number = [](int value) { return QString::number(value); };
-    ini.WriteString(section, QStringLiteral("Emulation"), number(settings.emulation));
-    ini.WriteString(section, QStringLiteral("Backspace"), number(settings.backspace));
-    ini.WriteString(section, QStringLiteral("Echo(Duplex)"), IniBoolText(settings.echo));
-    ini.WriteString(section, QStringLiteral("ForeColor"), number(settings.foreColor));
-    ini.WriteString(section, QStringLiteral("BackColor"), number(settings.backColor));
-    ini.WriteString(section, QStringLiteral("ScreenFilter"), number(settings.colorFilter));
-    ini.WriteString(section, QStringLiteral("Rows"), number(settings.rows));
-    ini.WriteString(section, QStringLiteral("Columns"), number(settings.columns));
-    ini.WriteString(section, QStringLiteral("ScrollRows"), number(settings.scrollRows));
-    ini.WriteString(section, QStringLiteral("FontName"), settings.font.family());
-    ini.WriteString(section, QStringLiteral("Fontsize"), QString::number(settings.font.pointSizeF()));
-    ini.WriteString(section, QStringLiteral("FontBold"), IniBoolText(settings.font.bold()));
-    ini.WriteString(section, QStringLiteral("FontItalic"), IniBoolText(settings.font.italic()));
-    ini.WriteString(section, QStringLiteral("CursorType"), number(settings.cursorType));
+    ini.writeString(section, QStringLiteral("Emulation"), number(settings.emulation));
+    ini.writeString(section, QStringLiteral("Backspace"), number(settings.backspace));
+    ini.writeString(section, QStringLiteral("Echo(Duplex)"), iniBoolText(settings.echo));
+    ini.writeString(section, QStringLiteral("ForeColor"), number(settings.foreColor));
+    ini.writeString(section, QStringLiteral("BackColor"), number(settings.backColor));
+    ini.writeString(section, QStringLiteral("ScreenFilter"), number(settings.colorFilter));
+    ini.writeString(section, QStringLiteral("Rows"), number(settings.rows));
+    ini.writeString(section, QStringLiteral("Columns"), number(settings.columns));
+    ini.writeString(section, QStringLiteral("ScrollRows"), number(settings.scrollRows));
+    ini.writeString(section, QStringLiteral("FontName"), settings.font.family());
+    ini.writeString(section, QStringLiteral("Fontsize"), QString::number(settings.font.pointSizeF()));
+    ini.writeString(section, QStringLiteral("FontBold"), iniBoolText(settings.font.bold()));
+    ini.writeString(section, QStringLiteral("FontItalic"), iniBoolText(settings.font.italic()));
+    ini.writeString(section, QStringLiteral("CursorType"), number(settings.cursorType));
 }

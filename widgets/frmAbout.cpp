@@ -9,17 +9,17 @@
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
-QString AppTitle()
+QString appTitle()
 {
     return QStringLiteral("Varnel Utility");
 }
 
-QString AppVersionText()
+QString appVersionText()
 {
     return QStringLiteral("3.0.0");
 }
 
-bool StartSystemInformation()
+bool startSystemInformation()
 {
     // The desktops' own system information tools, most specific first.
     for (const char *tool : {"gnome-system-monitor", "ksysguard", "plasma-systemmonitor", "xfce4-taskmanager",
@@ -34,7 +34,7 @@ bool StartSystemInformation()
 frmAbout::frmAbout(Prompts &prompts, QWidget *parent) : QDialog(parent), m_prompts(prompts)
 {
     setObjectName(QStringLiteral("frmAbout"));
-    setWindowTitle(QStringLiteral("About ") + AppTitle());
+    setWindowTitle(QStringLiteral("About ") + appTitle());
     auto *layout = new QVBoxLayout(this);
     auto label = [&](const char *name, const QString &text) {
         auto *l = named<QLabel>(name, text, this);
@@ -42,8 +42,8 @@ frmAbout::frmAbout(Prompts &prompts, QWidget *parent) : QDialog(parent), m_promp
         layout->addWidget(l);
         return l;
     };
-    lblTitle = label("lblTitle", AppTitle());
-    lblVersion = label("lblVersion", QStringLiteral("Version ") + AppVersionText());
+    lblTitle = label("lblTitle", appTitle());
+    lblVersion = label("lblVersion", QStringLiteral("Version ") + appVersionText());
     lblDescription =
         label("lblDescription", QStringLiteral("This program can be used for programming and testing the "
                                                "Varnel Model Q40 Series of Wireless Modems."));
@@ -66,6 +66,6 @@ frmAbout::frmAbout(Prompts &prompts, QWidget *parent) : QDialog(parent), m_promp
 
 void frmAbout::cmdSysInfo_Click()
 {
-    if (!StartSystemInformation())
+    if (!startSystemInformation())
         m_prompts.MsgBox(QStringLiteral("System Information Is Unavailable At This Time"));
 }

@@ -27,8 +27,8 @@ private:
 };
 
 // The program's title and its version text "3.0.0".
-QString AppTitle();
-QString AppVersionText();
+QString appTitle();
+QString appVersionText();
 
 // Starts the desktop's system information tool; false when there is none.
-bool StartSystemInformation();
+bool startSystemInformation();

@@ -160,10 +160,10 @@ void AppSettingsTest::autoZModemIsNeverReadBack()
 
     IniFile ini(iniPath());
     SaveAppSettings(ini, settings);
-    QCOMPARE(ini.GetString(u"Application"_s, u"Auto ZModem"_s, QString()), u"True"_s);
+    QCOMPARE(ini.getString(u"Application"_s, u"Auto ZModem"_s, QString()), u"True"_s);
     settings.autoZModem = false;
     SaveAppSettings(ini, settings);
-    QCOMPARE(ini.GetString(u"Application"_s, u"Auto ZModem"_s, QString()), u"False"_s);
+    QCOMPARE(ini.getString(u"Application"_s, u"Auto ZModem"_s, QString()), u"False"_s);
 }
 
 void AppSettingsTest::directories_data()
@@ -286,13 +286,13 @@ void AppSettingsTest::buttonValueText()
     QFETCH(QString, tag);
     QFETCH(QString, value);
 
-    QCOMPARE(ButtonValueText(tag), value);
+    QCOMPARE(::buttonValueText(tag), value);
     AppSettings settings;
     settings.buttons[6] = {u"Seven"_s, tag};
     IniFile ini(iniPath());
     SaveAppSettings(ini, settings);
-    QCOMPARE(ini.GetString(u"Button Assignments"_s, u"7 - Seven"_s, QString()), value);
-    QCOMPARE(load().buttons[6].tag, ButtonTagFromValue(value));
+    QCOMPARE(ini.getString(u"Button Assignments"_s, u"7 - Seven"_s, QString()), value);
+    QCOMPARE(load().buttons[6].tag, buttonTagFromValue(value));
 }
 
 void AppSettingsTest::emptiedButtonComesBackAtNextLoad()
@@ -304,7 +304,7 @@ void AppSettingsTest::emptiedButtonComesBackAtNextLoad()
     QCOMPARE(settings.buttons[1].caption, u"Old"_s);
     settings.buttons[1] = {};
     SaveAppSettings(ini, settings);
-    QCOMPARE(ini.Keys(u"Button Assignments"_s), QStringList{u"2 - Old"_s});
+    QCOMPARE(ini.keys(u"Button Assignments"_s), QStringList{u"2 - Old"_s});
 
     const AppSettings next = load();
     QCOMPARE(next.buttons[1].caption, u"Old"_s);
@@ -319,7 +319,7 @@ void AppSettingsTest::renamedButtonLeavesOldKey()
     LoadAppSettings(ini, settings);
     settings.buttons[2] = {u"New"_s, u"new\r"_s};
     SaveAppSettings(ini, settings);
-    QCOMPARE(ini.Keys(u"Button Assignments"_s), (QStringList{u"3 - Old"_s, u"3 - New"_s}));
+    QCOMPARE(ini.keys(u"Button Assignments"_s), (QStringList{u"3 - Old"_s, u"3 - New"_s}));
     // Both keys select button 3; the one further down the file is read last and stands.
     const AppSettings next = load();
     QCOMPARE(next.buttons[2].caption, u"New"_s);

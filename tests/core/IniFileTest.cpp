@@ -89,10 +89,10 @@ void IniFileTest::missingFileGivesDefaultsAndCreatesNothing()
 {
     const IniFile ini(filePath());
     QCOMPARE(ini.path(), filePath());
-    QCOMPARE(ini.GetString(u"Application"_s, u"Hide Intro"_s, u"False"_s, 10), u"False"_s);
-    QCOMPARE(ini.GetInt(u"Application"_s, u"Zmodem Options"_s, 7), 7);
-    QVERIFY(!ini.HasKey(u"Application"_s, u"Hide Intro"_s));
-    QVERIFY(ini.Keys(u"Application"_s).isEmpty());
+    QCOMPARE(ini.getString(u"Application"_s, u"Hide Intro"_s, u"False"_s, 10), u"False"_s);
+    QCOMPARE(ini.getInt(u"Application"_s, u"Zmodem Options"_s, 7), 7);
+    QVERIFY(!ini.hasKey(u"Application"_s, u"Hide Intro"_s));
+    QVERIFY(ini.keys(u"Application"_s).isEmpty());
     QVERIFY(!QFile::exists(filePath()));
 }
 
@@ -173,7 +173,7 @@ void IniFileTest::getString()
     if (!file.isEmpty())
         writeBytes(filePath(), file);
     const IniFile ini(filePath());
-    QCOMPARE(ini.GetString(u"Port_Phone"_s, key, defaultValue, bufferSize), expected);
+    QCOMPARE(ini.getString(u"Port_Phone"_s, key, defaultValue, bufferSize), expected);
 }
 
 void IniFileTest::getInt_data()
@@ -201,19 +201,19 @@ void IniFileTest::getInt()
     QFETCH(int, expected);
 
     writeBytes(filePath(), "[Port_Phone]\n" + line + "\n");
-    QCOMPARE(IniFile(filePath()).GetInt(u"Port_Phone"_s, u"Handshaking"_s, 99), expected);
+    QCOMPARE(IniFile(filePath()).getInt(u"Port_Phone"_s, u"Handshaking"_s, 99), expected);
 }
 
 void IniFileTest::hasKeySeesOnlyKeyLines()
 {
     writeBytes(filePath(), "[Port_Phone]\nComm Port=\n; Settings=9600\nDTREnable\n[Other]\nRTSEnable=True\n");
     const IniFile ini(filePath());
-    QVERIFY(ini.HasKey(u"Port_Phone"_s, u"Comm Port"_s));
-    QVERIFY(ini.HasKey(u"port_phone"_s, u"COMM PORT"_s));
-    QVERIFY(!ini.HasKey(u"Port_Phone"_s, u"Settings"_s));
-    QVERIFY(!ini.HasKey(u"Port_Phone"_s, u"DTREnable"_s));
-    QVERIFY(!ini.HasKey(u"Port_Phone"_s, u"RTSEnable"_s));
-    QVERIFY(ini.HasKey(u"Other"_s, u"RTSEnable"_s));
+    QVERIFY(ini.hasKey(u"Port_Phone"_s, u"Comm Port"_s));
+    QVERIFY(ini.hasKey(u"port_phone"_s, u"COMM PORT"_s));
+    QVERIFY(!ini.hasKey(u"Port_Phone"_s, u"Settings"_s));
+    QVERIFY(!ini.hasKey(u"Port_Phone"_s, u"DTREnable"_s));
+    QVERIFY(!ini.hasKey(u"Port_Phone"_s, u"RTSEnable"_s));
+    QVERIFY(ini.hasKey(u"Other"_s, u"RTSEnable"_s));
 }
 
 void IniFileTest::portSectionWithoutSettingsKey()
@@ -221,13 +221,13 @@ void IniFileTest::portSectionWithoutSettingsKey()
     // The port loader stops at the first missing key: here Settings, although Comm Port is there.
     writeBytes(filePath(), "[Port_Phone]\r\nComm Port=2\r\nDTREnable=True\r\n");
     const IniFile ini(filePath());
-    QVERIFY(ini.HasKey(u"Port_Phone"_s, u"Comm Port"_s));
-    QVERIFY(!ini.HasKey(u"Port_Phone"_s, u"Settings"_s));
-    QVERIFY(ini.HasKey(u"Port_Phone"_s, u"DTREnable"_s));
-    QCOMPARE(ini.GetString(u"Port_Phone"_s, u"Settings"_s, QString(), 20), QString());
+    QVERIFY(ini.hasKey(u"Port_Phone"_s, u"Comm Port"_s));
+    QVERIFY(!ini.hasKey(u"Port_Phone"_s, u"Settings"_s));
+    QVERIFY(ini.hasKey(u"Port_Phone"_s, u"DTREnable"_s));
+    QCOMPARE(ini.getString(u"Port_Phone"_s, u"Settings"_s, QString(), 20), QString());
 
     writeBytes(filePath(), QByteArray());
-    QVERIFY(!ini.HasKey(u"Port_Phone"_s, u"Comm Port"_s));
+    QVERIFY(!ini.hasKey(u"Port_Phone"_s, u"Comm Port"_s));
 }
 
 void IniFileTest::keysListsKeyLinesInOrder()
@@ -235,8 +235,8 @@ void IniFileTest::keysListsKeyLinesInOrder()
     writeBytes(filePath(), "[Application]\nx=1\n[Button Assignments]\r\n; note\r\n3 - Squelch=sq~\r\n\r\n"
                            "junk line\r\n  1 - Model = model~\r\n[Port_Phone]\r\nComm Port=1\r\n");
     const IniFile ini(filePath());
-    QCOMPARE(ini.Keys(u"button assignments"_s), (QStringList{u"3 - Squelch"_s, u"1 - Model"_s}));
-    QVERIFY(ini.Keys(u"Missing"_s).isEmpty());
+    QCOMPARE(ini.keys(u"button assignments"_s), (QStringList{u"3 - Squelch"_s, u"1 - Model"_s}));
+    QVERIFY(ini.keys(u"Missing"_s).isEmpty());
 }
 
 void IniFileTest::keysCutAtBuffer_data()
@@ -259,18 +259,18 @@ void IniFileTest::keysCutAtBuffer()
     QFETCH(QStringList, expected);
 
     writeBytes(filePath(), "[S]\nabc=1\ndefgh=2\n");
-    QCOMPARE(IniFile(filePath()).Keys(u"S"_s, bufferSize), expected);
+    QCOMPARE(IniFile(filePath()).keys(u"S"_s, bufferSize), expected);
 }
 
 void IniFileTest::writeCreatesFileAndDirectory()
 {
     const QString path = m_dir->filePath(u"config/deeper/varnel-utility.INI"_s);
     IniFile ini(path);
-    ini.WriteString(u"Port_Phone"_s, u"Comm Port"_s, u"2"_s);
+    ini.writeString(u"Port_Phone"_s, u"Comm Port"_s, u"2"_s);
     QCOMPARE(readBytes(path), QByteArray("[Port_Phone]\nComm Port=2\n"));
-    ini.WriteString(u"Port_Phone"_s, u"Settings"_s, u"9600,n,8,1"_s);
+    ini.writeString(u"Port_Phone"_s, u"Settings"_s, u"9600,n,8,1"_s);
     QCOMPARE(readBytes(path), QByteArray("[Port_Phone]\nComm Port=2\nSettings=9600,n,8,1\n"));
-    QCOMPARE(ini.GetString(u"Port_Phone"_s, u"Settings"_s, QString(), 20), u"9600,n,8,1"_s);
+    QCOMPARE(ini.getString(u"Port_Phone"_s, u"Settings"_s, QString(), 20), u"9600,n,8,1"_s);
 }
 
 void IniFileTest::writeReplacesOneValueAndKeepsTheRest()
@@ -285,7 +285,7 @@ void IniFileTest::writeReplacesOneValueAndKeepsTheRest()
                             "Settings=\"9600,n,8,1\"\n");
     writeBytes(filePath(), before);
     IniFile ini(filePath());
-    ini.WriteString(u"Port_Phone"_s, u"Comm Port"_s, u"3"_s);
+    ini.writeString(u"Port_Phone"_s, u"Comm Port"_s, u"3"_s);
     QCOMPARE(readBytes(filePath()), QByteArray("; settings of the utility\n"
                                                "[Application]\n"
                                                "Hide Intro = False   ; set by hand\n"
@@ -294,7 +294,7 @@ void IniFileTest::writeReplacesOneValueAndKeepsTheRest()
                                                "[Port_Phone]\n"
                                                "Comm Port=3\n"
                                                "Settings=\"9600,n,8,1\"\n"));
-    ini.WriteString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
+    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
     QCOMPARE(readBytes(filePath()), QByteArray("; settings of the utility\n"
                                                "[Application]\n"
                                                "Hide Intro=True\n"
@@ -315,10 +315,10 @@ void IniFileTest::writeAddsKeyBehindLastKeyOfSection()
                            "[Port_Phone]\n"
                            "Comm Port=1\n");
     IniFile ini(filePath());
-    ini.WriteString(u"Application"_s, u"Hide Diag"_s, u"True"_s);
-    ini.WriteString(u"Empty"_s, u"First"_s, u"1"_s);
+    ini.writeString(u"Application"_s, u"Hide Diag"_s, u"True"_s);
+    ini.writeString(u"Empty"_s, u"First"_s, u"1"_s);
     writeBytes(filePath(), readBytes(filePath()) + "[Bare]\n\n[Last]\n");
-    ini.WriteString(u"Bare"_s, u"Only"_s, u"x"_s);
+    ini.writeString(u"Bare"_s, u"Only"_s, u"x"_s);
     QCOMPARE(readBytes(filePath()), QByteArray("[Application]\n"
                                                "Hide Intro=True\n"
                                                "Hide Diag=True\n"
@@ -340,12 +340,12 @@ void IniFileTest::writeAddsSectionAtEnd()
 {
     writeBytes(filePath(), "[Application]\nHide Intro=True");
     IniFile ini(filePath());
-    ini.WriteString(u"Port_Phone"_s, u"Comm Port"_s, u"1"_s);
+    ini.writeString(u"Port_Phone"_s, u"Comm Port"_s, u"1"_s);
     QCOMPARE(readBytes(filePath()),
              QByteArray("[Application]\nHide Intro=True\n\n[Port_Phone]\nComm Port=1\n"));
 
     writeBytes(filePath(), "[Application]\nHide Intro=True\n\n");
-    ini.WriteString(u"Port_Phone"_s, u"Comm Port"_s, u"1"_s);
+    ini.writeString(u"Port_Phone"_s, u"Comm Port"_s, u"1"_s);
     QCOMPARE(readBytes(filePath()),
              QByteArray("[Application]\nHide Intro=True\n\n[Port_Phone]\nComm Port=1\n"));
 }
@@ -354,35 +354,35 @@ void IniFileTest::writeKeepsCrlf()
 {
     writeBytes(filePath(), "[Application]\r\nHide Intro=False\r\n[Port_Phone]\r\nComm Port=1");
     IniFile ini(filePath());
-    ini.WriteString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
-    ini.WriteString(u"Port_Phone"_s, u"Settings"_s, u"9600,n,8,1"_s);
-    ini.WriteString(u"Terminal_Phone"_s, u"Rows"_s, u"25"_s);
+    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
+    ini.writeString(u"Port_Phone"_s, u"Settings"_s, u"9600,n,8,1"_s);
+    ini.writeString(u"Terminal_Phone"_s, u"Rows"_s, u"25"_s);
     QCOMPARE(readBytes(filePath()),
              QByteArray("[Application]\r\nHide Intro=True\r\n[Port_Phone]\r\nComm Port=1\r\n"
                         "Settings=9600,n,8,1\r\n\r\n[Terminal_Phone]\r\nRows=25\r\n"));
-    QCOMPARE(ini.GetString(u"PORT_PHONE"_s, u"comm port"_s, QString(), 4), u"1"_s);
+    QCOMPARE(ini.getString(u"PORT_PHONE"_s, u"comm port"_s, QString(), 4), u"1"_s);
 }
 
 void IniFileTest::writeMatchesNamesWithoutRegardToCase()
 {
     writeBytes(filePath(), "[application]\r\nhide intro=False\r\n");
     IniFile ini(filePath());
-    ini.WriteString(u"Application"_s, u"Hide Intro"_s, u"-1"_s);
+    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"-1"_s);
     QCOMPARE(readBytes(filePath()), QByteArray("[application]\r\nhide intro=-1\r\n"));
-    QCOMPARE(ini.Keys(u"APPLICATION"_s), QStringList{u"hide intro"_s});
+    QCOMPARE(ini.keys(u"APPLICATION"_s), QStringList{u"hide intro"_s});
 }
 
 void IniFileTest::writeKeepsByteOrderMarkAndSingleByteText()
 {
     writeBytes(filePath(), "\xEF\xBB\xBF[Terminal_Phone]\nFontName=Caf\xC3\xA9\n");
     IniFile ini(filePath());
-    ini.WriteString(u"Terminal_Phone"_s, u"Rows"_s, u"25"_s);
+    ini.writeString(u"Terminal_Phone"_s, u"Rows"_s, u"25"_s);
     QCOMPARE(readBytes(filePath()),
              QByteArray("\xEF\xBB\xBF[Terminal_Phone]\nFontName=Caf\xC3\xA9\nRows=25\n"));
 
     // A file of single bytes that is no UTF-8 goes back in single bytes, so its other lines don't change.
     writeBytes(filePath(), "; r\xE9glages\n[Terminal_Phone]\nFontName=Caf\xE9\n");
-    ini.WriteString(u"Terminal_Phone"_s, u"Rows"_s, u"25"_s);
+    ini.writeString(u"Terminal_Phone"_s, u"Rows"_s, u"25"_s);
     QCOMPARE(readBytes(filePath()),
              QByteArray("; r\xE9glages\n[Terminal_Phone]\nFontName=Caf\xE9\nRows=25\n"));
 }
@@ -406,27 +406,27 @@ void IniFileTest::valueCannotAddLineOrKey()
 
     writeBytes(filePath(), "[Button Assignments]\n1 - Model=model~\n");
     IniFile ini(filePath());
-    ini.WriteString(u"Button Assignments"_s, u"2 - Test"_s, value);
-    QCOMPARE(ini.Keys(u"Button Assignments"_s), (QStringList{u"1 - Model"_s, u"2 - Test"_s}));
-    QVERIFY(!ini.HasKey(u"Evil"_s, u"Evil"_s));
-    QCOMPARE(ini.GetString(u"Button Assignments"_s, u"2 - Test"_s, QString()), readBack);
+    ini.writeString(u"Button Assignments"_s, u"2 - Test"_s, value);
+    QCOMPARE(ini.keys(u"Button Assignments"_s), (QStringList{u"1 - Model"_s, u"2 - Test"_s}));
+    QVERIFY(!ini.hasKey(u"Evil"_s, u"Evil"_s));
+    QCOMPARE(ini.getString(u"Button Assignments"_s, u"2 - Test"_s, QString()), readBack);
     QCOMPARE(readBytes(filePath()).count('\n'), 3);
 }
 
 void IniFileTest::keyAndSectionCannotAddLineOrKey()
 {
     IniFile ini(filePath());
-    ini.WriteString(u"Button Assignments"_s, u"4 - a=b\nInjected"_s, u"x"_s);
-    ini.WriteString(u"Button Assignments"_s, u"[Evil]"_s, u"y"_s);
-    ini.WriteString(u"Button Assignments"_s, u";hidden"_s, u"z"_s);
-    ini.WriteString(u"A\n[B]"_s, u"k"_s, u"v"_s);
-    ini.WriteString(u"Button Assignments"_s, u"\r\n"_s, u"nothing"_s);
+    ini.writeString(u"Button Assignments"_s, u"4 - a=b\nInjected"_s, u"x"_s);
+    ini.writeString(u"Button Assignments"_s, u"[Evil]"_s, u"y"_s);
+    ini.writeString(u"Button Assignments"_s, u";hidden"_s, u"z"_s);
+    ini.writeString(u"A\n[B]"_s, u"k"_s, u"v"_s);
+    ini.writeString(u"Button Assignments"_s, u"\r\n"_s, u"nothing"_s);
     QCOMPARE(readBytes(filePath()),
              QByteArray("[Button Assignments]\n4 - abInjected=x\nEvil]=y\nhidden=z\n\n[A[B]]\nk=v\n"));
     // Reads clean the names the same way, so what was written is found again.
-    QCOMPARE(ini.GetString(u"Button Assignments"_s, u"4 - a=b\nInjected"_s, QString()), u"x"_s);
-    QCOMPARE(ini.GetString(u"Button Assignments"_s, u"[Evil]"_s, QString()), u"y"_s);
-    QCOMPARE(ini.GetString(u"A\n[B]"_s, u"k"_s, QString()), u"v"_s);
+    QCOMPARE(ini.getString(u"Button Assignments"_s, u"4 - a=b\nInjected"_s, QString()), u"x"_s);
+    QCOMPARE(ini.getString(u"Button Assignments"_s, u"[Evil]"_s, QString()), u"y"_s);
+    QCOMPARE(ini.getString(u"A\n[B]"_s, u"k"_s, QString()), u"v"_s);
 }
 
 void IniFileTest::cannotCommitLeavesOldFileWhole()
@@ -437,11 +437,11 @@ void IniFileTest::cannotCommitLeavesOldFileWhole()
     const QByteArray before("[Application]\r\nHide Intro=False\r\n");
     writeBytes(path, before);
     IniFile ini(path);
-    ini.WriteString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
+    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
     QCOMPARE(readBytes(path), before);
     QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden),
              QStringList{QFileInfo(path).fileName()});
-    QCOMPARE(ini.GetString(u"Application"_s, u"Hide Intro"_s, QString(), 10), u"False"_s);
+    QCOMPARE(ini.getString(u"Application"_s, u"Hide Intro"_s, QString(), 10), u"False"_s);
 }
 
 void IniFileTest::readOnlyDirectoryLeavesOldFileWhole()
@@ -452,7 +452,7 @@ void IniFileTest::readOnlyDirectoryLeavesOldFileWhole()
     writeBytes(filePath(), before);
     QVERIFY(QFile::setPermissions(m_dir->path(), QFile::ReadOwner | QFile::ExeOwner));
     IniFile ini(filePath());
-    ini.WriteString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
+    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
     const QByteArray after = readBytes(filePath());
     QVERIFY(QFile::setPermissions(m_dir->path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     QCOMPARE(after, before);
@@ -462,20 +462,20 @@ void IniFileTest::writeLeavesNoTemporaryFiles()
 {
     IniFile ini(filePath());
     for (int i = 0; i < 5; ++i)
-        ini.WriteString(u"Application"_s, u"Zmodem Options"_s, QString::number(i));
+        ini.writeString(u"Application"_s, u"Zmodem Options"_s, QString::number(i));
     QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList{u"test.INI"_s});
-    QCOMPARE(ini.GetInt(u"Application"_s, u"Zmodem Options"_s, -1), 4);
+    QCOMPARE(ini.getInt(u"Application"_s, u"Zmodem Options"_s, -1), 4);
 }
 
 void IniFileTest::writeToDirectoryPathChangesNothing()
 {
     QVERIFY(QDir(m_dir->path()).mkdir(u"taken.INI"_s));
     IniFile ini(filePath(u"taken.INI"_s));
-    ini.WriteString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
+    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
     QVERIFY(QFileInfo(filePath(u"taken.INI"_s)).isDir());
     QCOMPARE(QDir(m_dir->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
              QStringList{u"taken.INI"_s});
-    QCOMPARE(ini.GetString(u"Application"_s, u"Hide Intro"_s, u"False"_s, 10), u"False"_s);
+    QCOMPARE(ini.getString(u"Application"_s, u"Hide Intro"_s, u"False"_s, 10), u"False"_s);
 }
 
 void IniFileTest::iniBool_data()
@@ -499,15 +499,15 @@ void IniFileTest::iniBool()
 {
     QFETCH(QString, text);
     QFETCH(bool, expected);
-    QCOMPARE(IniBool(text), expected);
+    QCOMPARE(::iniBool(text), expected);
 }
 
 void IniFileTest::iniBoolTextRoundTrips()
 {
-    QCOMPARE(IniBoolText(true), u"True"_s);
-    QCOMPARE(IniBoolText(false), u"False"_s);
-    QVERIFY(IniBool(IniBoolText(true)));
-    QVERIFY(!IniBool(IniBoolText(false)));
+    QCOMPARE(iniBoolText(true), u"True"_s);
+    QCOMPARE(iniBoolText(false), u"False"_s);
+    QVERIFY(::iniBool(iniBoolText(true)));
+    QVERIFY(!::iniBool(iniBoolText(false)));
 }
 
 void IniFileTest::nextIniKey_data()
@@ -607,7 +607,7 @@ void IniFileTest::iniFileNameFor()
 {
     QFETCH(QString, program);
     QFETCH(QString, expected);
-    QCOMPARE(IniFileNameFor(program), expected);
+    QCOMPARE(::iniFileNameFor(program), expected);
 }
 
 void IniFileTest::getIniFileNameFollowsConfigHome()

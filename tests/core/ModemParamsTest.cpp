@@ -50,7 +50,7 @@ struct Rig : SessionRig
     void expectCutFailures(int count)
     {
         for (int i = 0; i < count; ++i)
-            prompts.expectMsgBox(AppErrorText(AppErrors::invalidProcedureCall()))
+            prompts.expectMsgBox(appErrorText(AppErrors::invalidProcedureCall()))
                 .withIcon(MsgIcon::Critical)
                 .withButtons(MsgButtons::OkOnly);
     }
@@ -81,7 +81,7 @@ struct SimRig
     void expectCutFailures(int count)
     {
         for (int i = 0; i < count; ++i)
-            prompts.expectMsgBox(AppErrorText(AppErrors::invalidProcedureCall())).withIcon(MsgIcon::Critical);
+            prompts.expectMsgBox(appErrorText(AppErrors::invalidProcedureCall())).withIcon(MsgIcon::Critical);
     }
 };
 
@@ -487,7 +487,7 @@ void ModemParamsTest::closedPortShowsTheBoxForTheSendAndForTheCut()
     Rig rig;
     rig.port.setPortOpen(false);
     rig.prompts
-        .expectMsgBox(AppErrorText(
+        .expectMsgBox(appErrorText(
             {AppErrors::PortNotOpen, QStringLiteral("Operation valid only when the port is open")}))
         .withIcon(MsgIcon::Critical);
     rig.expectCutFailures(1);

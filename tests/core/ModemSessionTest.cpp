@@ -241,7 +241,7 @@ void ModemSessionTest::closedPortEndsInBoxesNotErrors()
 
     // Outside the entry routines the failed write reaches the caller's handler.
     try {
-        rig.session.SendCommand("Model");
+        rig.session.sendCommand("Model");
         QFAIL("a write to a closed port must fail");
     } catch (const AppError &error) {
         QCOMPARE(error.number, AppErrors::PortNotOpen);
@@ -358,7 +358,7 @@ void ModemSessionTest::adaptorSendsOneCharacterAtATime()
     Rig rig;
     rig.session.IrDongleActive = true;
     rig.port.feed("stale");
-    rig.session.SendCommand("Squelch");
+    rig.session.sendCommand("Squelch");
     QCOMPARE(rig.port.InBufferCount(), 0);
     const QStringList writes = rig.transcript();
     QCOMPARE(writes.size(), 8);
@@ -368,10 +368,10 @@ void ModemSessionTest::adaptorSendsOneCharacterAtATime()
     QCOMPARE(rig.time.elapsedMs(), 8);
 
     Rig cable;
-    cable.session.SendCommand("Squelch");
+    cable.session.sendCommand("Squelch");
     QCOMPARE(cable.port.writes(), QList<QByteArray>{"Squelch\r"});
     cable.session.IrDongleActive = true;
-    cable.session.SendCommand("Model", ModemSession::Way::OneWrite);
+    cable.session.sendCommand("Model", ModemSession::Way::OneWrite);
     QCOMPARE(cable.port.writes().last(), QByteArray("Model\r"));
 }
 

@@ -64,7 +64,7 @@ void PortMapTest::naturalLess()
     QFETCH(QString, a);
     QFETCH(QString, b);
     QFETCH(bool, less);
-    QCOMPARE(NaturalLess(a, b), less);
+    QCOMPARE(::naturalLess(a, b), less);
 }
 
 void PortMapTest::orderSystemPorts_data()
@@ -93,21 +93,21 @@ void PortMapTest::orderSystemPorts()
     QFETCH(QStringList, system);
     QFETCH(QStringList, ordered);
 
-    QCOMPARE(OrderSystemPorts(system), ordered);
+    QCOMPARE(::orderSystemPorts(system), ordered);
     // The order does not depend on how the system happened to list them.
     QStringList reversed(system.rbegin(), system.rend());
-    QCOMPARE(OrderSystemPorts(reversed), ordered);
+    QCOMPARE(::orderSystemPorts(reversed), ordered);
 }
 
 void PortMapTest::systemPortsByNumber()
 {
     const IniFile ini(iniPath());
-    const QStringList ports = OrderSystemPorts({u"/dev/ttyS0"_s, u"/dev/ttyUSB3"_s, u"/dev/ttyUSB12"_s});
-    QCOMPARE(DevicePathForPort(ini, 1, ports), u"/dev/ttyUSB3"_s);
-    QCOMPARE(DevicePathForPort(ini, 2, ports), u"/dev/ttyUSB12"_s);
-    QCOMPARE(DevicePathForPort(ini, 3, ports), u"/dev/ttyS0"_s);
-    QCOMPARE(DevicePathForPort(ini, 4, ports), QString());
-    QCOMPARE(DevicePathForPort(ini, 16, ports), QString());
+    const QStringList ports = ::orderSystemPorts({u"/dev/ttyS0"_s, u"/dev/ttyUSB3"_s, u"/dev/ttyUSB12"_s});
+    QCOMPARE(devicePathForPort(ini, 1, ports), u"/dev/ttyUSB3"_s);
+    QCOMPARE(devicePathForPort(ini, 2, ports), u"/dev/ttyUSB12"_s);
+    QCOMPARE(devicePathForPort(ini, 3, ports), u"/dev/ttyS0"_s);
+    QCOMPARE(devicePathForPort(ini, 4, ports), QString());
+    QCOMPARE(devicePathForPort(ini, 16, ports), QString());
 }
 
 void PortMapTest::mapSectionWins()
@@ -120,12 +120,12 @@ void PortMapTest::mapSectionWins()
               "COM17=/dev/never\r\n");
     const IniFile ini(iniPath());
     const QStringList ports{u"/dev/ttyUSB0"_s, u"/dev/ttyUSB1"_s, u"/dev/ttyS0"_s};
-    QCOMPARE(DevicePathForPort(ini, 1, ports), u"/dev/ttyUSB0"_s);
+    QCOMPARE(devicePathForPort(ini, 1, ports), u"/dev/ttyUSB0"_s);
     // An empty key maps nothing, so the number keeps its system port.
-    QCOMPARE(DevicePathForPort(ini, 2, ports), u"/dev/ttyUSB1"_s);
-    QCOMPARE(DevicePathForPort(ini, 3, ports), u"/tmp/varnel/modem-pty"_s);
-    QCOMPARE(DevicePathForPort(ini, 4, ports), QString());
-    QCOMPARE(DevicePathForPort(ini, 16, ports), u"/dev/serial/by-id/usb-Varnel_Q40-if00"_s);
+    QCOMPARE(devicePathForPort(ini, 2, ports), u"/dev/ttyUSB1"_s);
+    QCOMPARE(devicePathForPort(ini, 3, ports), u"/tmp/varnel/modem-pty"_s);
+    QCOMPARE(devicePathForPort(ini, 4, ports), QString());
+    QCOMPARE(devicePathForPort(ini, 16, ports), u"/dev/serial/by-id/usb-Varnel_Q40-if00"_s);
 }
 
 void PortMapTest::numbersOutsideOneToSixteenReachNothing()
@@ -135,10 +135,10 @@ void PortMapTest::numbersOutsideOneToSixteenReachNothing()
     QStringList ports;
     for (int i = 0; i < 20; ++i)
         ports << QStringLiteral("/dev/ttyUSB%1").arg(i);
-    QCOMPARE(DevicePathForPort(ini, 0, ports), QString());
-    QCOMPARE(DevicePathForPort(ini, -1, ports), QString());
-    QCOMPARE(DevicePathForPort(ini, 17, ports), QString());
-    QCOMPARE(DevicePathForPort(ini, 16, ports), u"/dev/ttyUSB15"_s);
+    QCOMPARE(devicePathForPort(ini, 0, ports), QString());
+    QCOMPARE(devicePathForPort(ini, -1, ports), QString());
+    QCOMPARE(devicePathForPort(ini, 17, ports), QString());
+    QCOMPARE(devicePathForPort(ini, 16, ports), u"/dev/ttyUSB15"_s);
 }
 
 QTEST_GUILESS_MAIN(PortMapTest)

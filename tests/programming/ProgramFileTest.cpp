@@ -114,7 +114,7 @@ void ProgramFileTest::linesFromText()
 {
     QFETCH(QByteArray, text);
     QFETCH(QStringList, lines);
-    QCOMPARE(ProgramLinesFromText(text), lines);
+    QCOMPARE(programLinesFromText(text), lines);
 }
 
 void ProgramFileTest::fileText_data()
@@ -134,7 +134,7 @@ void ProgramFileTest::fileText()
 {
     QFETCH(QStringList, lines);
     QFETCH(QByteArray, text);
-    QCOMPARE(ProgramFileText(lines), text);
+    QCOMPARE(programFileText(lines), text);
 }
 
 void ProgramFileTest::roundTripKeepsEveryLine_data()
@@ -149,11 +149,11 @@ void ProgramFileTest::roundTripKeepsEveryLine_data()
 void ProgramFileTest::roundTripKeepsEveryLine()
 {
     QFETCH(QStringList, lines);
-    const QByteArray text = ProgramFileText(lines);
+    const QByteArray text = programFileText(lines);
     // n lines have n line ends plus the one the write adds.
     QCOMPARE(text.count("\r\n"), lines.size() + 1);
     QVERIFY(text.endsWith("\r\n\r\n"));
-    QCOMPARE(ProgramLinesFromText(text), lines);
+    QCOMPARE(programLinesFromText(text), lines);
 }
 
 void ProgramFileTest::dialogFilter_data()
@@ -172,7 +172,7 @@ void ProgramFileTest::dialogFilter()
 {
     QFETCH(QString, bars);
     QFETCH(QString, filter);
-    QCOMPARE(FileDialogFilter(bars), filter);
+    QCOMPARE(fileDialogFilter(bars), filter);
 }
 
 void ProgramFileTest::openErrorNumber_data()
@@ -195,7 +195,7 @@ void ProgramFileTest::openErrorNumber()
     QFETCH(int, osError);
     QFETCH(bool, folderExists);
     QFETCH(int, number);
-    QCOMPARE(OpenErrorNumber(osError, folderExists), number);
+    QCOMPARE(::openErrorNumber(osError, folderExists), number);
 }
 
 void ProgramFileTest::openErrorMessages_data()
@@ -217,57 +217,57 @@ void ProgramFileTest::openErrorMessages()
     QFETCH(int, number);
     QFETCH(QString, message);
     QFETCH(bool, asksAgain);
-    QCOMPARE(OpenErrorMessage(number), message);
-    QCOMPARE(OpenErrorAsksAgain(number), asksAgain);
+    QCOMPARE(openErrorMessage(number), message);
+    QCOMPARE(openErrorAsksAgain(number), asksAgain);
 }
 
 void ProgramFileTest::readsAFile()
 {
     const QString path = m_dir.filePath(QStringLiteral("read.nvc"));
     writeAll(path, "ADD 5\r\n\r\n  \r\nadd 6\r\n\r\n");
-    const ProgramFileContents contents = ReadProgramFile(path);
+    const ProgramFileContents contents = readProgramFile(path);
     QCOMPARE(contents.errorNumber, 0);
     QCOMPARE(contents.lines, (QStringList{u"ADD 5"_s, u"  "_s, u"add 6"_s}));
 }
 
 void ProgramFileTest::readFailuresGiveTheirNumbers()
 {
-    QCOMPARE(ReadProgramFile(m_dir.filePath(QStringLiteral("none.nvc"))).errorNumber, 53);
-    QCOMPARE(ReadProgramFile(m_dir.filePath(QStringLiteral("nowhere/none.nvc"))).errorNumber, 76);
-    QCOMPARE(ReadProgramFile(m_dir.filePath(QString(300, QLatin1Char('x')))).errorNumber, 64);
-    QCOMPARE(ReadProgramFile(QString()).errorNumber, 64);
-    const ProgramFileContents failed = ReadProgramFile(m_dir.filePath(QStringLiteral("none.nvc")));
+    QCOMPARE(readProgramFile(m_dir.filePath(QStringLiteral("none.nvc"))).errorNumber, 53);
+    QCOMPARE(readProgramFile(m_dir.filePath(QStringLiteral("nowhere/none.nvc"))).errorNumber, 76);
+    QCOMPARE(readProgramFile(m_dir.filePath(QString(300, QLatin1Char('x')))).errorNumber, 64);
+    QCOMPARE(readProgramFile(QString()).errorNumber, 64);
+    const ProgramFileContents failed = readProgramFile(m_dir.filePath(QStringLiteral("none.nvc")));
     QVERIFY(failed.lines.isEmpty());
 }
 
 void ProgramFileTest::readingAFolderGivesNothing()
 {
     QVERIFY(QDir(m_dir.path()).mkpath(QStringLiteral("folder.nvc")));
-    const ProgramFileContents contents = ReadProgramFile(m_dir.filePath(QStringLiteral("folder.nvc")));
-    QVERIFY(!OpenErrorAsksAgain(contents.errorNumber));
+    const ProgramFileContents contents = readProgramFile(m_dir.filePath(QStringLiteral("folder.nvc")));
+    QVERIFY(!openErrorAsksAgain(contents.errorNumber));
     QVERIFY(contents.lines.isEmpty());
 }
 
 void ProgramFileTest::writesTheWholeText()
 {
     const QString path = m_dir.filePath(QStringLiteral("write.nvc"));
-    WriteProgramFile(path, {u"ADD 5"_s, u"add 6"_s, u" "_s});
+    writeProgramFile(path, {u"ADD 5"_s, u"add 6"_s, u" "_s});
     QCOMPARE(readAll(path), QByteArray("ADD 5\r\nadd 6\r\n \r\n\r\n"));
-    QCOMPARE(ReadProgramFile(path).lines, (QStringList{u"ADD 5"_s, u"add 6"_s, u" "_s}));
+    QCOMPARE(readProgramFile(path).lines, (QStringList{u"ADD 5"_s, u"add 6"_s, u" "_s}));
 }
 
 void ProgramFileTest::writeReplacesAnExistingFile()
 {
     const QString path = m_dir.filePath(QStringLiteral("replace.nvc"));
     writeAll(path, QByteArray(2000, 'x'));
-    WriteProgramFile(path, {u"NET 12"_s});
+    writeProgramFile(path, {u"NET 12"_s});
     QCOMPARE(readAll(path), QByteArray("NET 12\r\n\r\n"));
 }
 
 void ProgramFileTest::writeIntoMissingFolderFails()
 {
     try {
-        WriteProgramFile(m_dir.filePath(QStringLiteral("nowhere/p.nvc")), {u"ADD 5"_s});
+        writeProgramFile(m_dir.filePath(QStringLiteral("nowhere/p.nvc")), {u"ADD 5"_s});
         QFAIL("the write into a missing folder went through");
     } catch (const AppError &error) {
         QCOMPARE(error.number, 76);
@@ -294,7 +294,7 @@ void ProgramFileTest::failedWriteKeepsTheOldFile()
         // Nothing may be printed while the limit holds: the test's own output may be a file.
         const FileSizeLimit fullDisk{rlim_t(room)};
         try {
-            WriteProgramFile(path, {u"ADD 5"_s, u"NET 12"_s, u"ROUTE 40,41,12"_s});
+            writeProgramFile(path, {u"ADD 5"_s, u"NET 12"_s, u"ROUTE 40,41,12"_s});
         } catch (const AppError &error) {
             failure = error;
         }

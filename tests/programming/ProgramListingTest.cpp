@@ -60,7 +60,7 @@ void ProgramListingTest::parse()
     QFETCH(QByteArray, reply);
     QFETCH(QByteArray, prompt);
     QFETCH(QStringList, lines);
-    const ProgramListing listing = ParseProgramListing(reply);
+    const ProgramListing listing = parseProgramListing(reply);
     QCOMPARE(listing.prompt, prompt);
     QCOMPARE(listing.lines, lines);
 }
@@ -88,7 +88,7 @@ void ProgramListingTest::lineTableHoldsOneHundredAndOneLines()
             expected << QString::fromLatin1(line);
     }
     reply += "CMD:";
-    const ProgramListing listing = ParseProgramListing(reply);
+    const ProgramListing listing = parseProgramListing(reply);
     QCOMPARE(listing.lines.size(), kept);
     QCOMPARE(listing.lines, expected);
     QCOMPARE(kLineTableSize, 101);

@@ -586,7 +586,7 @@ void ProgrammingMenuTest::saveFailureShowsTheStandardBoxAndGoesOn()
     rig.fill({u"ADD 5"_s});
     rig.prompts.expectMsgBox(kSavePrompt, MsgAnswer::Yes);
     rig.prompts.expectFileDialog(m_dir->filePath(u"nowhere/p.nvc"_s));
-    rig.prompts.expectMsgBox(AppErrorText({76, u"Path not found"_s}))
+    rig.prompts.expectMsgBox(appErrorText({76, u"Path not found"_s}))
         .withIcon(MsgIcon::Critical)
         .withButtons(MsgButtons::OkOnly);
     rig.button("cmdClear")->click();

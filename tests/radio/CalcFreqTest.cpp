@@ -154,7 +154,7 @@ void CalcFreqTest::workedExamplesForward()
 
     // The screens reach the same values through the chosen scheme.
     double viaA1 = kUntouched, viaN1 = kUntouched, viaN2 = kUntouched;
-    FreqToLatches(scheme, model, frequency, option, viaA1, viaN1, viaN2);
+    freqToLatches(scheme, model, frequency, option, viaA1, viaN1, viaN2);
     QCOMPARE(wire(viaA1), a1);
     QCOMPARE(wire(viaN1), n1);
     QCOMPARE(wire(viaN2), n2);
@@ -205,7 +205,7 @@ void CalcFreqTest::workedExamplesReverse()
         QCOMPARE(LatchesToFreqC(model, a1, n1, option), frequency);
         break;
     }
-    QCOMPARE(LatchesToFreq(scheme, model, a1, n1, n2, option), frequency);
+    QCOMPARE(latchesToFreq(scheme, model, a1, n1, n2, option), frequency);
 }
 
 void CalcFreqTest::schemeAKeepsItsGrid_data()
@@ -355,20 +355,20 @@ void CalcFreqTest::schemeChoice()
     QFETCH(int, option);
     QFETCH(int, serial);
     QFETCH(LatchScheme, scheme);
-    QCOMPARE(ChooseLatchScheme(option, serial), scheme);
+    QCOMPARE(chooseLatchScheme(option, serial), scheme);
 }
 
 void CalcFreqTest::chosenSchemeSetsN2ForBAndC()
 {
     double a1 = kUntouched, n1 = kUntouched, n2 = kUntouched;
-    FreqToLatches(LatchScheme::B, QStringLiteral("Q4Y"), QStringLiteral("150.0125"), 0, a1, n1, n2);
+    freqToLatches(LatchScheme::B, QStringLiteral("Q4Y"), QStringLiteral("150.0125"), 0, a1, n1, n2);
     QCOMPARE(n2, 0.0);
     n2 = kUntouched;
-    FreqToLatches(LatchScheme::C, QStringLiteral("Q4Y"), QStringLiteral("150.0125"), 2, a1, n1, n2);
+    freqToLatches(LatchScheme::C, QStringLiteral("Q4Y"), QStringLiteral("150.0125"), 2, a1, n1, n2);
     QCOMPARE(n2, 0.0);
     // Scheme A for a model without a branch leaves all three as they were.
     a1 = n1 = n2 = kUntouched;
-    FreqToLatches(LatchScheme::A, QStringLiteral("Q4ULX"), QStringLiteral("463.2125"), 0, a1, n1, n2);
+    freqToLatches(LatchScheme::A, QStringLiteral("Q4ULX"), QStringLiteral("463.2125"), 0, a1, n1, n2);
     QCOMPARE(a1, kUntouched);
     QCOMPARE(n1, kUntouched);
     QCOMPARE(n2, kUntouched);
@@ -486,13 +486,13 @@ void CalcFreqTest::overflowThrows()
 void CalcFreqTest::overflowReachesTheStandardBox()
 {
     ScriptedPrompts prompts;
-    prompts.expectMsgBox(AppErrorText(AppErrors::overflow())).withIcon(MsgIcon::Critical);
+    prompts.expectMsgBox(appErrorText(AppErrors::overflow())).withIcon(MsgIcon::Critical);
     double a1 = kUntouched, n1 = kUntouched;
-    QVERIFY(!Attempt(prompts, [&] { FreqToLatchesB(QStringLiteral("2147.4"), 0, a1, n1); }));
+    QVERIFY(!attempt(prompts, [&] { FreqToLatchesB(QStringLiteral("2147.4"), 0, a1, n1); }));
     QVERIFY(prompts.verify());
     QVERIFY(prompts.shownTexts().constFirst().contains(QStringLiteral("6 = Overflow")));
     // Just below the limit the arithmetic runs.
-    QVERIFY(Attempt(prompts, [&] { FreqToLatchesB(QStringLiteral("2057"), 0, a1, n1); }));
+    QVERIFY(attempt(prompts, [&] { FreqToLatchesB(QStringLiteral("2057"), 0, a1, n1); }));
 }
 
 void CalcFreqTest::latchesSentToTheModemReadBackAsTheFrequency_data()
@@ -526,12 +526,12 @@ void CalcFreqTest::latchesSentToTheModemReadBackAsTheFrequency()
     ScriptedPrompts prompts(&link.time());
     ModemSession session(link.port(), link.time(), prompts);
 
-    QCOMPARE(ChooseLatchScheme(option, serial), scheme);
+    QCOMPARE(chooseLatchScheme(option, serial), scheme);
     double a1 = 0, n1 = 0, n2 = 0;
-    FreqToLatches(scheme, model, frequency, option, a1, n1, n2);
+    freqToLatches(scheme, model, frequency, option, a1, n1, n2);
     const QString line = QStringLiteral("Sel/N1 %1:Sel/A1 %2:Sel/N2 %3:Lat")
                              .arg(numberText(n1), numberText(a1), numberText(n2));
-    session.SendCommand(line.toLatin1());
+    session.sendCommand(line.toLatin1());
     QVERIFY(session.WaitForReply("CMD:", 1000));
 
     double readA1 = -1, readN1 = -1, readN2 = -1, squelch = -1;
@@ -540,7 +540,7 @@ void CalcFreqTest::latchesSentToTheModemReadBackAsTheFrequency()
     QCOMPARE(readA1, a1);
     QCOMPARE(readN1, std::trunc(n1)); // the modem keeps the whole part of n1
     QCOMPARE(readN2, n2);
-    const double back = LatchesToFreq(scheme, model, readA1, readN1, readN2, option);
+    const double back = latchesToFreq(scheme, model, readA1, readN1, readN2, option);
     QCOMPARE(QString::number(back, 'f', 4), QString::number(numericValue(frequency), 'f', 4));
 }
 

@@ -98,7 +98,7 @@ void ShellTest::standardErrorBoxText()
     MemoryCommControl closed;
     int after = 0;
     // The routine goes on with the statement after the one that failed.
-    Attempt(prompts, [&] { closed.Output("x"); });
+    attempt(prompts, [&] { closed.Output("x"); });
     ++after;
     QCOMPARE(after, 1);
     QVERIFY(prompts.verify());
@@ -123,11 +123,11 @@ void ShellTest::firstStartAsksForThePort()
     QCOMPARE(s.port.CommPort(), 3);
     QCOMPARE(terminal.windowTitle(), QStringLiteral("COM3:9600,N,8,1"));
     QVERIFY(!s.session.IrDongleActive);
-    QCOMPARE(s.ini.GetString(QStringLiteral("Port_Phone"), QStringLiteral("Comm Port"), {}),
+    QCOMPARE(s.ini.getString(QStringLiteral("Port_Phone"), QStringLiteral("Comm Port"), {}),
              QStringLiteral("3"));
-    QCOMPARE(s.ini.GetString(QStringLiteral("Port_Phone"), QStringLiteral("Settings"), {}),
+    QCOMPARE(s.ini.getString(QStringLiteral("Port_Phone"), QStringLiteral("Settings"), {}),
              QStringLiteral("9600,N,8,1"));
-    QCOMPARE(s.ini.GetString(QStringLiteral("Port_Phone"), QStringLiteral("Handshaking"), {}),
+    QCOMPARE(s.ini.getString(QStringLiteral("Port_Phone"), QStringLiteral("Handshaking"), {}),
              QStringLiteral("2"));
     QVERIFY(s.prompts.verify());
 }
@@ -146,14 +146,14 @@ void ShellTest::missingKeyBringsTheDialogBack()
     Terminal terminal(s.session, s.ini);
     terminal.Load();
     QVERIFY(asked);
-    QVERIFY(s.ini.HasKey(QStringLiteral("Port_Phone"), QStringLiteral("Settings")));
+    QVERIFY(s.ini.hasKey(QStringLiteral("Port_Phone"), QStringLiteral("Settings")));
 }
 
 void ShellTest::cancelAtFirstStartOffersToEnd()
 {
     Shell s;
     int ended = 0;
-    MWPort::EndProgram() = [&] {
+    MWPort::endProgram() = [&] {
         ++ended;
         QApplication::activeModalWidget()->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
     };
@@ -184,7 +184,7 @@ void ShellTest::openFailureLeadsBackToTheDialog()
         if (shown == 1)
             whenModal(accept);
         else // the failed opening wrote no port key
-            QVERIFY(!s.ini.HasKey(QStringLiteral("Port_Phone"), QStringLiteral("Comm Port")));
+            QVERIFY(!s.ini.hasKey(QStringLiteral("Port_Phone"), QStringLiteral("Comm Port")));
         w->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
     };
     whenModal(accept);
@@ -192,7 +192,7 @@ void ShellTest::openFailureLeadsBackToTheDialog()
     QVERIFY(dialog.SetPortSettings(s.port));
     QCOMPARE(shown, 2);
     QVERIFY(s.port.PortOpen());
-    QVERIFY(s.ini.HasKey(QStringLiteral("Port_Phone"), QStringLiteral("Comm Port")));
+    QVERIFY(s.ini.hasKey(QStringLiteral("Port_Phone"), QStringLiteral("Comm Port")));
     QVERIFY(s.prompts.verify());
 }
 
@@ -319,31 +319,31 @@ void ShellTest::productInformation()
                                           "/dev/sda1 / ext4 rw 0 0\n"
                                           "/dev/sr0 /media/user/VARNEL\\040CD iso9660 ro 0 0\n"
                                           "/dev/loop3 /mnt/image udf ro 0 0\n");
-    QCOMPARE(OpticalMountPoints(mounts),
+    QCOMPARE(opticalMountPoints(mounts),
              (QStringList{QStringLiteral("/media/user/VARNEL CD/"), QStringLiteral("/mnt/image/")}));
-    QVERIFY(OpticalMountPoints(QStringLiteral("/dev/sda1 / ext4 rw 0 0\n")).isEmpty());
+    QVERIFY(opticalMountPoints(QStringLiteral("/dev/sda1 / ext4 rw 0 0\n")).isEmpty());
 
-    QCOMPARE(ProductInformationMessage(QString()),
+    QCOMPARE(productInformationMessage(QString()),
              QStringLiteral("You Must Have The Varnel Utility CD In Your CD Drive"));
     QTemporaryDir disc;
     const QString root = disc.path() + QLatin1Char('/');
-    QCOMPARE(ProductInformationMessage(root),
+    QCOMPARE(productInformationMessage(root),
              QStringLiteral("You Must Have The Varnel Utility CD In Your CD Drive"));
     QFile page(root + QStringLiteral("1_default.html"));
     QVERIFY(page.open(QIODevice::WriteOnly));
     page.close();
     QStringList opened;
-    DesktopOpener() = [&](const QString &file) {
+    desktopOpener() = [&](const QString &file) {
         opened << file;
         return false;
     };
-    QCOMPARE(ProductInformationMessage(root),
+    QCOMPARE(productInformationMessage(root),
              QStringLiteral("You Must The Varnel Resource Disk In Your CD Drive"));
-    DesktopOpener() = [&](const QString &file) {
+    desktopOpener() = [&](const QString &file) {
         opened << file;
         return true;
     };
-    QCOMPARE(ProductInformationMessage(root), QString());
+    QCOMPARE(productInformationMessage(root), QString());
     QCOMPARE(opened.last(), root + QStringLiteral("1_default.html"));
 }
 

@@ -37,7 +37,7 @@ private slots:
         ScriptedPrompts prompts;
         ModemSession session(comm, time, prompts);
         QVERIFY(session.EnterCommandMode());
-        session.SendCommand("Model");
+        session.sendCommand("Model");
         session.WaitForBytes(10);
         const QByteArray reply = comm.Input();
         QVERIFY2(reply.contains("MODEL    = Q4U\r"), reply.constData());

@@ -10,7 +10,7 @@ namespace {
 
 LineSettings line(const QString &text)
 {
-    return *ParseLineSettings(text);
+    return *parseLineSettings(text);
 }
 
 } // namespace

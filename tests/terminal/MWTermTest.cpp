@@ -18,7 +18,7 @@ const QString kSection = QStringLiteral("Terminal_Phone");
 
 QString key(const IniFile &ini, const char *name)
 {
-    return ini.GetString(kSection, QString::fromLatin1(name), QStringLiteral("<missing>"));
+    return ini.getString(kSection, QString::fromLatin1(name), QStringLiteral("<missing>"));
 }
 
 // The loaded terminal with a few lines on its screen.
@@ -205,7 +205,7 @@ void MWTermTest::cancelDropsTheChanges()
     MWTerm dialog(w.rig.session, w.rig.ini);
     QVERIFY(!dialog.SetTerminalSettings(w.screen()));
     QVERIFY(TermSettingsOf(w.screen()) == before);
-    QVERIFY(!w.rig.ini.HasKey(kSection, QStringLiteral("Emulation")));
+    QVERIFY(!w.rig.ini.hasKey(kSection, QStringLiteral("Emulation")));
     QCOMPARE(w.screen().rowText(2), QString(60, u'w'));
 }
 
@@ -340,7 +340,7 @@ void MWTermTest::controlWithoutPortIsReported()
     QVERIFY(!dialog.SetTerminalSettings(loose));
     dialog.LoadTerminalSettings(loose);
     QVERIFY(rig.prompts.verify());
-    QVERIFY(!rig.ini.HasKey(kSection, QStringLiteral("Emulation")));
+    QVERIFY(!rig.ini.hasKey(kSection, QStringLiteral("Emulation")));
 }
 
 QTEST_MAIN(MWTermTest)

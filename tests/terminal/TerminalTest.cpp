@@ -542,10 +542,10 @@ void TerminalTest::buttonAssignmentsLoadAndSave()
     w.Btn[0]->Tag.clear();
     w.Unload();
     const QString section = QStringLiteral("Button Assignments");
-    QCOMPARE(t.rig.ini.GetString(section, QStringLiteral("5 - Hours"), {}), QStringLiteral("hour~"));
-    QCOMPARE(t.rig.ini.GetString(section, QStringLiteral("3 - Squelch"), {}), QStringLiteral("squelch~"));
+    QCOMPARE(t.rig.ini.getString(section, QStringLiteral("5 - Hours"), {}), QStringLiteral("hour~"));
+    QCOMPARE(t.rig.ini.getString(section, QStringLiteral("3 - Squelch"), {}), QStringLiteral("squelch~"));
     // An emptied button writes nothing, so its old key stays.
-    QCOMPARE(t.rig.ini.GetString(section, QStringLiteral("1 - Model"), {}), QStringLiteral("model"));
+    QCOMPARE(t.rig.ini.getString(section, QStringLiteral("1 - Model"), {}), QStringLiteral("model"));
 
     Terminal again(t.rig.session, t.rig.ini);
     again.Load();
@@ -734,7 +734,7 @@ void TerminalTest::introductionUntilHidden()
     t.window.ShowTermIntro(); // hidden now: no dialog comes
     QCOMPARE(shown, 2);
     t.window.Unload();
-    QCOMPARE(t.rig.ini.GetString(QStringLiteral("Application"), QStringLiteral("Hide Intro"), {}),
+    QCOMPARE(t.rig.ini.getString(QStringLiteral("Application"), QStringLiteral("Hide Intro"), {}),
              QStringLiteral("True"));
 }
 

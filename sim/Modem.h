@@ -1,12 +1,17 @@
 #pragma once
 
 #include "CommControl.h"
+#include "Console.h"
+#include "FlashLoader.h"
+#include "Instruments.h"
+#include "Links.h"
 #include "Scenario.h"
 
 #include <QByteArray>
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -16,12 +21,14 @@ namespace sim {
 
 class Network;
 struct GroundTruth;
-struct ParameterDef;
 
-// One modem's firmware: the command interpreter on its serial port, its three copies of the
-// settings (factory, saved, working) plus the values the radio runs on since the last latch,
-// its operating modes and its flash loader. It knows nothing of the program on the other end of
-// the cable: it takes bytes and sends bytes.
+// How long the unit takes from a restart order to its banner.
+inline constexpr std::chrono::milliseconds kRestartTime{400};
+
+// One modem's firmware: its three copies of the settings (factory, saved, working) plus the values
+// the radio runs on since the last latch, its identity and operating modes, and the parts that
+// work on them: the console at "CMD:", the radio links, the instruments and the flash loader. It
+// knows nothing of the program on the other end of the cable: it takes bytes and sends bytes.
 class Modem
 {
 public:
@@ -68,15 +75,15 @@ public:
     // A security value is set: the unit refuses every change until the same value is given again.
     bool locked() const;
     int networkId() const;
-    QString
-    channel() const; // "a1,n1,n2" of the latched synthesizer: two modems hear each other only on the same one
+    // "a1,n1,n2" of the latched synthesizer: two modems hear each other only on the same one.
+    QString channel() const;
     QString model() const { return m_working.value(QStringLiteral("MODEL")); }
     QString firmwareVersion() const { return m_version; }
-    bool hasOperatingSystem() const { return m_hasOs; }
+    bool hasOperatingSystem() const { return m_loader.hasSystem(); }
     Mode mode() const { return m_mode; }
-    bool signalStreaming() const { return m_rxStream; }
-    bool dataQualityMode() const { return m_dqMode; }
-    bool transmitterKeyed() const { return m_radioOn; }
+    bool signalStreaming() const { return m_instruments.streaming(); }
+    bool dataQualityMode() const { return m_instruments.dataQuality(); }
+    bool transmitterKeyed() const { return m_instruments.keyed(); }
     const ModemProfile &profile() const { return m_spec; }
     double hoursRun() const;
 
@@ -84,53 +91,47 @@ public:
     void setDead(bool dead) { m_spec.dead = dead; }
     bool dead() const { return m_spec.dead; }
     // Extra time before every reply.
-    void setReplyDelayMs(int ms) { m_extraDelayMs = ms; }
+    void setReplyDelay(std::chrono::milliseconds delay) { m_replyDelay = delay; }
 
-    // Over the air: a line that a programming link brought from another modem. The modem runs it
-    // as its own interpreter would and answers with its text and the "RPG:" prompt; delayMs is
-    // the time it takes to do so. Nothing comes back when the modem restarted on the line.
-    QByteArray remoteLine(const QString &line, int *delayMs);
-    // Data that came over the air from a connected partner, put out on the serial port.
-    void airData(const QByteArray &data);
+    // The firmware's own parts and the command handlers work through what follows.
+    Console &console() { return m_console; }
+    Links &links() { return m_links; }
+    Instruments &instruments() { return m_instruments; }
+    FlashLoader &loader() { return m_loader; }
+    Network *network() const { return m_network; }
+    GroundTruth *truth() const { return m_truth; }
+    TimeSource &time() const { return m_time; }
+
+    void send(const QByteArray &bytes);
+    QByteArray lineEnd() const;
+    QByteArray banner() const;
+    std::chrono::milliseconds replyDelay() const { return m_replyDelay; }
+    // Runs fn after the delay, if the unit still exists.
+    void after(std::chrono::milliseconds delay, std::function<void()> fn);
+    // The same, unless Ctrl-C or a restart came in between: answers on their way are dropped then.
+    void afterUnlessInterrupted(std::chrono::milliseconds delay, std::function<void()> fn);
+
+    // One byte from the serial port, to the part the mode gives it to.
+    void takeByte(char c);
+    void setMode(Mode mode) { m_mode = mode; }
+    // Ctrl-C: whatever was going on ends, and the prompt comes back.
+    void interrupt();
+    void restart(bool printBanner);
+
+    void setWorking(const QString &command, const QString &value);
+    void setRoutes(const QStringList &routes) { m_routes = routes; }
+    void setAppends(const QStringList &appends) { m_appends = appends; }
+    // Factory values come back into the working copy; the unit keeps its address.
+    void factoryDefault();
+    // The working copy becomes the saved one; the second bank also takes it as the factory record.
+    void save(bool factoryRecord);
+    // The radio takes the working latches, squelch and power.
+    void latch();
+    // A newly loaded system starts from blank settings, identity included.
+    void installSystem(const QString &version);
 
 private:
-    struct Outcome;
-
     void loadFactoryDefaults();
-    void restart(bool printBanner);
-    QByteArray banner() const;
-    QByteArray lineEnd() const;
-    void send(const QByteArray &bytes);
-    void schedule(int ms, std::function<void()> fn);
-
-    // The serial console.
-    void consoleByte(char c);
-    void commandByte(char c);
-    void interrupt();
-    void runLine(const QString &line);
-    Outcome executeLine(const QString &line, bool remote, int thinkMs);
-    void commandDone();
-
-    // Executes one ":"-separated command. Returns false when the line must stop there.
-    bool execute(const QString &command, bool overAir, Outcome &out);
-    bool executeParameter(const ParameterDef &def, const QString &argument, Outcome &out);
-    void setWorking(const QString &command, const QString &value);
-    QByteArray listChanged() const;
-    QByteArray inoutReply(const QString &argument);
-    QByteArray tableReply(const QStringList &table) const;
-    bool setTableLine(QStringList &table, const QString &argument);
-
-    // Converse and remote modes.
-    void converseByte(char c);
-    void remoteByte(char c);
-    void openLink(const QList<int> &route, bool programming);
-    void sendConversePacket();
-    void streamTick(quint64 generation);
-
-    // Flash loader.
-    void enterLoader();
-    void loaderByte(char c);
-    void finishImage();
 
     TimeSource &m_time;
     ModemProfile m_spec;
@@ -148,33 +149,17 @@ private:
     QStringList m_savedRoutes;
     QStringList m_savedAppends;
     QString m_version;
-    bool m_hasOs = true;
     qint64 m_hoursBaseMs = 0;
 
     Mode m_mode = Mode::Command;
-    QByteArray m_lineBuffer;
-    QByteArray m_pending; // typed while a command runs; taken when the prompt is back
-    bool m_busy = false;
     int m_activeComrate = 0;
-    quint64 m_generation = 0; // bumped by Ctrl-C and restarts: replies scheduled before it are dropped
-    bool m_rxStream = false;
-    bool m_dqMode = false;
-    bool m_radioOn = false;
-    int m_extraDelayMs = 0;
-    int m_txPackets = 0;
-    int m_txRetries = 0;
+    quint64 m_generation = 0; // bumped by Ctrl-C and restarts
+    std::chrono::milliseconds m_replyDelay{0};
 
-    // Converse: the route of the partner; remote: the route of the programming link.
-    QList<int> m_connectRoute;
-    QList<int> m_remoteRoute;
-    QByteArray m_converseBuffer;
-
-    // Loader.
-    enum class LoaderState { Prompt, Receiving, Programming, Between };
-    LoaderState m_loaderState = LoaderState::Prompt;
-    QByteArray m_image;
-    QByteArray m_block;
-    int m_blocks = 0;
+    Console m_console{*this};
+    Links m_links{*this};
+    Instruments m_instruments{*this};
+    FlashLoader m_loader;
 };
 
 } // namespace sim

@@ -10,8 +10,10 @@ namespace sim {
 namespace {
 constexpr double kNoiseFloorMicrovolts = 0.3;
 constexpr int kOverheadBytes = 24; // address, control and check bytes of a frame
-constexpr int kTurnaroundMs = 30;  // receive to transmit, per hop
-constexpr int kFrackUnitMs = 10;   // FRACK counts in tens of milliseconds
+using namespace std::chrono_literals;
+
+constexpr auto kTurnaround = 30ms; // receive to transmit, per hop
+constexpr auto kFrackUnit = 10ms;  // FRACK counts in tens of milliseconds
 
 int airRateBitsPerSecond(const Modem &m)
 {
@@ -19,9 +21,10 @@ int airRateBitsPerSecond(const Modem &m)
     return m.value(QStringLiteral("DATARATE")).toInt() >= 64 ? 2400 : 4800;
 }
 
-int airTimeMs(int bytes, int bitsPerSecond)
+std::chrono::milliseconds airTime(int bytes, int bitsPerSecond)
 {
-    return int(std::ceil(double(bytes + kOverheadBytes) * 8000.0 / bitsPerSecond));
+    return std::chrono::milliseconds(
+        qint64(std::ceil(double(bytes + kOverheadBytes) * 8000.0 / bitsPerSecond)));
 }
 } // namespace
 
@@ -131,10 +134,10 @@ Network::Delivery Network::send(Modem &from, const QList<int> &route, int payloa
         chain.append(modemAt(address));
     const int bitsPerSecond = airRateBitsPerSecond(from);
     const int retriesAllowed = from.value(QStringLiteral("RETRY")).toInt();
-    const int frackMs = std::max(1, from.value(QStringLiteral("FRACK")).toInt()) * kFrackUnitMs;
+    const auto frack = std::max(1, from.value(QStringLiteral("FRACK")).toInt()) * kFrackUnit;
     const int hops = int(route.size());
-    const int attemptMs =
-        hops * (airTimeMs(payloadBytes, bitsPerSecond) + airTimeMs(0, bitsPerSecond) + kTurnaroundMs);
+    const auto attemptTime =
+        hops * (airTime(payloadBytes, bitsPerSecond) + airTime(0, bitsPerSecond) + kTurnaround);
     std::uniform_real_distribution<double> u(0.0, 1.0);
     qint64 at = m_time.elapsedMs();
     for (int attempt = 0; attempt <= retriesAllowed; ++attempt) {
@@ -161,7 +164,7 @@ Network::Delivery Network::send(Modem &from, const QList<int> &route, int payloa
         if (ok) {
             d.delivered = true;
             d.retries = attempt;
-            d.durationMs += attemptMs;
+            d.duration += attemptTime;
             d.destination = chain.last();
             d.microvolts = lastSignal;
             d.quality =
@@ -169,8 +172,8 @@ Network::Delivery Network::send(Modem &from, const QList<int> &route, int payloa
             break;
         }
         d.retries = attempt;
-        d.durationMs += attemptMs + frackMs;
-        at = m_time.elapsedMs() + d.durationMs;
+        d.duration += attemptTime + frack;
+        at = m_time.elapsedMs() + d.duration.count();
     }
     m_truth.packets.append({m_time.elapsedMs(), from.address(), route.isEmpty() ? 0 : route.last(), d.retries,
                             d.delivered, payloadBytes});

@@ -4,6 +4,7 @@
 #include "Scenario.h"
 
 #include <QList>
+#include <chrono>
 #include <memory>
 #include <random>
 
@@ -35,8 +36,9 @@ public:
     struct Delivery
     {
         bool delivered = false;
-        int retries = 0;    // transmissions beyond the first
-        int durationMs = 0; // from the first transmission to the acknowledgement or the giving up
+        int retries = 0; // transmissions beyond the first
+        std::chrono::milliseconds duration{
+            0}; // from the first transmission to the acknowledgement or the giving up
         Modem *destination = nullptr;
         double microvolts = 0; // signal of the last hop as the destination heard it
         int quality = 0;       // data quality figure of the path, 0 to 100

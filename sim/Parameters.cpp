@@ -1,10 +1,47 @@
 #include "Parameters.h"
 
+#include "CommandTable.h"
+#include "Modem.h"
+
 namespace sim {
 
 namespace {
+
 constexpr int kAny = 0x7fffffff;
+
+// Reads or sets one setting of the working copy.
+bool runSetting(CommandCall &call)
+{
+    Modem &modem = call.modem;
+    const ParameterDef &def = *findParameter(call.name);
+    // Units of the old case set their rate by switches only: they have no rate command.
+    if (call.name == QLatin1String("COMRATE") && modem.profile().switches == 8)
+        return call.refuse();
+    const bool security = call.name == QLatin1String("SECURITY");
+    if (call.argument.isEmpty()) {
+        // The security value itself is never shown: it is the key that unlocks the unit.
+        QString value =
+            call.name == QLatin1String("VERSION") ? modem.firmwareVersion() : modem.value(call.name);
+        if (security)
+            value = modem.locked() ? QStringLiteral("ON") : QStringLiteral("OFF");
+        call.answer(valueLine(def, value));
+        return true;
+    }
+    const auto value = normaliseValue(def, call.argument);
+    if (!def.writable || !value || (modem.locked() && !security))
+        return call.refuse();
+    if (security && modem.locked()) {
+        // Only the value that locked the unit unlocks it.
+        if (*value != modem.value(call.name))
+            return call.refuse();
+        modem.setWorking(call.name, QStringLiteral("0"));
+        return true;
+    }
+    modem.setWorking(call.name, *value);
+    return true;
 }
+
+} // namespace
 
 const QList<ParameterDef> &parameterDefs()
 {
@@ -54,6 +91,17 @@ const QList<ParameterDef> &parameterDefs()
         {"SECURITY", 3, "SECURITY", K::Number, 0, 32767, true, false},
     };
     return defs;
+}
+
+const QList<CommandDef> &settingCommands()
+{
+    static const QList<CommandDef> commands = [] {
+        QList<CommandDef> list;
+        for (const ParameterDef &def : parameterDefs())
+            list.append({def.command, def.minLength, &runSetting});
+        return list;
+    }();
+    return commands;
 }
 
 const ParameterDef *findParameter(const QString &command)

@@ -78,7 +78,7 @@ private slots:
     void slowReplies()
     {
         SimulatedModemLink link;
-        link.local().setReplyDelayMs(1500);
+        link.local().setReplyDelay(std::chrono::milliseconds(1500));
         const QByteArray soon = exchange(link, "Model\r", 1000);
         QCOMPARE(soon, QByteArray("Model\r\n")); // the echo only
         link.time().MsDelay(1000);

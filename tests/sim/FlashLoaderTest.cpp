@@ -1,5 +1,4 @@
-#include "SimExchange.h"
-#include "SimulatedModemLink.h"
+#include "SimRig.h"
 
 #include <QTest>
 
@@ -31,13 +30,6 @@ bool sendBlock(SimulatedModemLink &link, const QByteArray &block)
     return false;
 }
 
-Scenario at9600()
-{
-    Scenario s = Scenario::standard();
-    s.modems[0].settings = {{QStringLiteral("COMRATE"), QStringLiteral("41")}};
-    return s;
-}
-
 } // namespace
 
 class FlashLoaderTest : public QObject
@@ -46,7 +38,7 @@ class FlashLoaderTest : public QObject
 private slots:
     void flashCommandEntersTheLoaderAtItsFixedRate()
     {
-        SimulatedModemLink link(at9600());
+        SimulatedModemLink link(scenario(QStringLiteral("demo"))); // at 9600,n,8,1
         link.port().setSettings(QStringLiteral("9600,n,8,1"));
         const QByteArray atOldRate = exchange(link, "flash\r");
         QVERIFY2(!atOldRate.contains("FLASH:"), atOldRate.toHex().constData());
@@ -55,23 +47,34 @@ private slots:
         QCOMPARE(exchange(link, "\r"), QByteArray("\r\nFLASH:"));
     }
 
+    void wholeExchangeInstallsTheImage_data()
+    {
+        QTest::addColumn<int>("blocks");
+        QTest::addColumn<QString>("version");
+        QTest::newRow("one block, no version mark") << 1 << "1.52";
+        QTest::newRow("two blocks") << 2 << "2.10";
+    }
     void wholeExchangeInstallsTheImage()
     {
+        QFETCH(int, blocks);
+        QFETCH(QString, version);
         SimulatedModemLink link;
-        QVERIFY(exchange(link, "flash\r").endsWith("FLASH:"));
-        const QByteArray file = image(2, "VERSION=2.10");
-        link.port().Output("\x01");
-        QVERIFY(sendBlock(link, file.left(4096)));
-        link.port().Output("\x02");
-        QVERIFY(sendBlock(link, file.mid(4096)));
+        QCOMPARE(exchange(link, "flash\r"), QByteArray("flash\r\n\r\nFLASH:"));
+        const QByteArray file = image(blocks, blocks > 1 ? "VERSION=2.10" : "x");
+        // SOH starts the first block, STX each further one after the loader's ENQ, EOT ends the file.
+        for (int b = 0; b < blocks; ++b) {
+            link.port().Output(b == 0 ? "\x01" : "\x02");
+            QVERIFY(sendBlock(link, file.mid(b * 4096, 4096)));
+        }
         link.port().Output("\x04");
         link.time().MsDelay(2000);
         const QByteArray banner = link.port().Input();
-        QVERIFY2(banner.contains("Unit Address"), banner.constData());
-        QVERIFY(banner.endsWith("CMD:"));
-        QCOMPARE(link.local().firmwareVersion(), QStringLiteral("2.10"));
+        QVERIFY2(banner.endsWith("Firmware Version " + version.toLatin1() + "\r\nUnit Address = 1\r\nCMD:"),
+                 banner.constData());
+        QCOMPARE(link.local().mode(), Modem::Mode::Command);
+        QCOMPARE(link.local().firmwareVersion(), version);
         QCOMPARE(link.truth().images.size(), 1);
-        QCOMPARE(link.truth().images[0].blocks, 2);
+        QCOMPARE(link.truth().images[0].blocks, blocks);
         QCOMPARE(link.truth().images[0].bytes, file);
         // A new system starts blank: identity and settings must be written back.
         QCOMPARE(link.local().value(QStringLiteral("S/N")), QStringLiteral("0"));
@@ -81,18 +84,6 @@ private slots:
         exchange(link, "fa\r");
         QCOMPARE(link.local().value(QStringLiteral("MODEL")), QStringLiteral("Q4Y"));
         QCOMPARE(link.local().value(QStringLiteral("OPTION")), QStringLiteral("64"));
-    }
-
-    void oneBlockFileEndsWithEotAfterTheOnlyEnq()
-    {
-        SimulatedModemLink link;
-        exchange(link, "flash\r");
-        link.port().Output("\x01");
-        QVERIFY(sendBlock(link, image(1, "x")));
-        link.port().Output("\x04");
-        link.time().MsDelay(2000);
-        QVERIFY(link.local().hasOperatingSystem());
-        QCOMPARE(link.local().mode(), Modem::Mode::Command);
     }
 
     void enqComesOnlyAfterAWholeBlock()

@@ -1,61 +1,23 @@
-#include "SimExchange.h"
-#include "SimulatedModemLink.h"
+#include "SimRig.h"
 
 #include <QTest>
 
-using sim::Scenario;
+using namespace std::chrono_literals;
 using sim::SimulatedModemLink;
-
-namespace {
-
-// The program's fixed-column cut: the value begins 11 characters after the first letter of the
-// name and runs to the next carriage return; blanks trimmed.
-QString fixedColumn(const QByteArray &reply, const QByteArray &name, int offset = 11)
-{
-    const qsizetype p = reply.indexOf(name);
-    if (p < 0)
-        return QStringLiteral("<no name>");
-    const qsizetype q = reply.indexOf('\r', p);
-    if (q < 0 || q < p + offset)
-        return QStringLiteral("<bad cut>");
-    return QString::fromLatin1(reply.mid(p + offset, q - p - offset)).trimmed();
-}
-
-// The program's equals-sign cut: after the first "=" behind the name, up to the next CR.
-QString equalsSign(const QByteArray &reply, const QByteArray &name)
-{
-    const qsizetype p = reply.indexOf(name);
-    if (p < 0)
-        return QStringLiteral("<no name>");
-    const qsizetype e = reply.indexOf('=', p);
-    const qsizetype q = reply.indexOf('\r', e);
-    if (e < 0 || q < 0)
-        return QStringLiteral("<bad cut>");
-    return QString::fromLatin1(reply.mid(e + 1, q - e - 1)).trimmed();
-}
-
-} // namespace
 
 class InterpreterTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void ctrlCGivesAFreshPrompt()
-    {
-        SimulatedModemLink link;
-        QCOMPARE(exchange(link, "\x03", 100), QByteArray("\r\nCMD:"));
-    }
-
     void replyStartsAfterTheCarriageReturnAndComesAtTheLineRate()
     {
         SimulatedModemLink link;
         link.port().clearEvents();
         link.port().Output("Model\r");
         link.time().MsDelay(1000);
-        const QList<WireEvent> &events = link.port().events();
         QList<qint64> arrivals;
         QByteArray all;
-        for (const WireEvent &e : events)
+        for (const WireEvent &e : link.port().events())
             if (e.kind == WireEvent::Kind::Received) {
                 arrivals << e.atMs;
                 all += e.bytes;
@@ -67,166 +29,191 @@ private slots:
         QVERIFY(arrivals.last() < 100);
     }
 
-    void valueRepliesSuitBothCuts_data()
+    // The value begins eleven columns after the first letter of the name, seven for the latches.
+    void sessions_data()
     {
-        QTest::addColumn<QByteArray>("command");
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QString>("value");
-        QTest::newRow("model") << QByteArray("Model") << QByteArray("MODEL") << "Q4U";
-        QTest::newRow("option") << QByteArray("Option") << QByteArray("OPTION") << "0";
-        QTest::newRow("version") << QByteArray("Version") << QByteArray("VERSION") << "1.52";
-        QTest::newRow("serial") << QByteArray("s/n") << QByteArray("S/N") << "14210";
-        QTest::newRow("network") << QByteArray("net") << QByteArray("NETWORK") << "37";
-        QTest::newRow("address") << QByteArray("add") << QByteArray("ADDRESS") << "1";
-        QTest::newRow("setcon") << QByteArray("setc") << QByteArray("SETCON") << "0";
-        QTest::newRow("asquelch") << QByteArray("asquelch") << QByteArray("ASQUELCH") << "40";
-        QTest::newRow("squelch") << QByteArray("Squelch") << QByteArray("SQUELCH") << "30";
-        QTest::newRow("rflow") << QByteArray("rflow") << QByteArray("RFLOW") << "OFF";
-        QTest::newRow("rxmark") << QByteArray("rxmark") << QByteArray("RXMARK") << "0";
-        QTest::newRow("rfp") << QByteArray("rfp") << QByteArray("RFPOWER") << "0";
-        QTest::newRow("comrate") << QByteArray("comrate") << QByteArray("COMRATE") << "40";
-        QTest::newRow("datarate") << QByteArray("datarate") << QByteArray("DATARATE") << "0";
-        QTest::newRow("rxd") << QByteArray("rxd") << QByteArray("RXDATA") << "2";
-        QTest::newRow("txf") << QByteArray("txf") << QByteArray("TXFLAG") << "3";
-        QTest::newRow("txe") << QByteArray("txe") << QByteArray("TXEND") << "1";
-        QTest::newRow("frack") << QByteArray("frack") << QByteArray("FRACK") << "50";
-        QTest::newRow("hour") << QByteArray("hour") << QByteArray("HOUR") << "1234";
+        QTest::addColumn<QString>("scenario");
+        QTest::addColumn<QByteArray>("session");
+        QTest::newRow("value lines") << QString()
+                                     << QByteArray("Model\nMODEL    = Q4U\n"
+                                                   "CMD:s/n\nS/N      = 14210\n"
+                                                   "CMD:Version\nVERSION  = 1.52\n"
+                                                   "CMD:setc\nSETCON   = 0\n"
+                                                   "CMD:asquelch\nASQUELCH = 40\n"
+                                                   "CMD:rflow\nRFLOW    = OFF\n"
+                                                   "CMD:comrate\nCOMRATE  = 40\n"
+                                                   "CMD:sel/a1\nA1   = 8\n"
+                                                   "CMD:sel/n1\nN1   = 8832\n"
+                                                   "CMD:hour\nHOURS    = 1234\n"
+                                                   "CMD:");
+        QTest::newRow("refusals") << QString()
+                                  << QByteArray("frobnicate\nINVALID\n"
+                                                "CMD:MODE\nAMBIGUOUS\n"
+                                                "CMD:S\nAMBIGUOUS\n"
+                                                "CMD:ADD 300\nINVALID\n"
+                                                "CMD:echo maybe\nINVALID\n"
+                                                "CMD:version 9.99\nINVALID\n"
+                                                "CMD:he xx\nINVALID\n"
+                                                "CMD:radio up\nINVALID\n"
+                                                "CMD:");
+        QTest::newRow("a refusal stops the line") << QString()
+                                                  << QByteArray("squelch 40:bogus 1:squelch 50\nINVALID\n"
+                                                                "CMD:squelch\nSQUELCH  = 40\n"
+                                                                "CMD:");
+        QTest::newRow("old case has no rate command") << QStringLiteral("q4u-old")
+                                                      << QByteArray("comrate\nINVALID\n"
+                                                                    "CMD:");
+        QTest::newRow("remote") << QStringLiteral("demo")
+                                << QByteArray("prog 12\n\n"
+                                              "RPG:s/n\nS/N      = 14227\n"
+                                              "RPG:squelch 61:bogus:squelch 62\nINVALID\n"
+                                              "RPG:squelch\nSQUELCH  = 61\n"
+                                              "RPG:flash\nINVALID\n"
+                                              "RPG:rxs on\nINVALID\n"
+                                              "RPG:conn 1\nINVALID\n"
+                                              "RPG:");
+        QTest::newRow("route and append tables") << QString()
+                                                 << QByteArray("route\n"
+                                                               "CMD:ROUTE 1,5,\n"
+                                                               "CMD:ROUTE 2,3, 20,\n"
+                                                               "CMD:APPEND 1,1,25,28,*\n"
+                                                               "CMD:APPEND 2,2,30,30\n"
+                                                               "CMD:route\n1,5,\n2,3,20,\n"
+                                                               "CMD:append\n1,1,25,28,*\n2,2,30,30\n"
+                                                               "CMD:ROUTE 4,7,\nINVALID\n"
+                                                               "CMD:ROUTE 31,7,\nINVALID\n"
+                                                               "CMD:ROUTE 0\nINVALID\n"
+                                                               "CMD:ROUTE 2,4,\n"
+                                                               "CMD:ROUTE 1\n"
+                                                               "CMD:route\n1,4,\n"
+                                                               "CMD:ROUTE 2,9,\n"
+                                                               "CMD:ROUTE 3,8,\n"
+                                                               "CMD:route\n1,4,\n2,9,\n3,8,\n"
+                                                               "CMD:");
+        QTest::newRow("security value") << QString()
+                                        << QByteArray("SECURITY 4711\n"
+                                                      "CMD:squelch 50\nINVALID\n"
+                                                      "CMD:FA\nINVALID\n"
+                                                      "CMD:ROUTE 1,5,\nINVALID\n"
+                                                      "CMD:squelch\nSQUELCH  = 30\n"
+                                                      "CMD:route\n"
+                                                      "CMD:security\nSECURITY = ON\n"
+                                                      "CMD:SECURITY 1234\nINVALID\n"
+                                                      "CMD:SECURITY 4711\n"
+                                                      "CMD:security\nSECURITY = OFF\n"
+                                                      "CMD:squelch 50\n"
+                                                      "CMD:");
+        QTest::newRow("copyright") << QString()
+                                   << QByteArray("COP\nVarnel Q40 Series Wireless Data Modem Firmware\n"
+                                                 "Copyright (c) 1994-2002 Varnel Inc.  All rights reserved.\n"
+                                                 "CMD:");
+        // Noise squelch fitted: the receiver's own noise lights the carrier indicator, bit 2 of the
+        // status latch, once both squelches are latched open.
+        QTest::newRow("carrier indicator") << QStringLiteral("demo")
+                                           << QByteArray("inout 0,5\nINOUT    = 0,5 FB\n"
+                                                         "CMD:Squelch 0:Asquelch 0\n"
+                                                         "CMD:inout 0,5\nINOUT    = 0,5 FB\n"
+                                                         "CMD:Latch\n"
+                                                         "CMD:inout 0,5\nINOUT    = 0,5 FF\n"
+                                                         "CMD:asq 200:Latch\n"
+                                                         "CMD:inout 0,5\nINOUT    = 0,5 FB\n"
+                                                         "CMD:");
+        QTest::newRow("transmit counts") << QStringLiteral("demo")
+                                         << QByteArray("txs\nPackets = 0\nRetries = 0\n"
+                                                       "CMD:");
     }
-    void valueRepliesSuitBothCuts()
+    void sessions()
     {
-        QFETCH(QByteArray, command);
-        QFETCH(QByteArray, name);
-        QFETCH(QString, value);
-        SimulatedModemLink link;
-        const QByteArray reply = exchange(link, command + '\r');
-        QCOMPARE(fixedColumn(reply, name), value);
-        QCOMPARE(equalsSign(reply, name), value);
-        QVERIFY(reply.endsWith("CMD:"));
+        QFETCH(QString, scenario);
+        QFETCH(QByteArray, session);
+        SimulatedModemLink link(::scenario(scenario));
+        QCOMPARE(playSession(link, session), onTheWire(session));
     }
 
-    void latchRepliesSuitTheSevenColumnCut()
-    {
-        SimulatedModemLink link;
-        QCOMPARE(fixedColumn(exchange(link, "sel/a1\r"), "A1", 7), QStringLiteral("8"));
-        QCOMPARE(fixedColumn(exchange(link, "sel/n1\r"), "N1", 7), QStringLiteral("8832"));
-        QCOMPARE(fixedColumn(exchange(link, "sel/n2\r"), "N2", 7), QStringLiteral("0"));
-    }
-
-    void squelchSetAndLatchedOnOneLine()
-    {
-        SimulatedModemLink link;
-        const QByteArray reply = exchange(link, "Squelch 55:Latch\r");
-        QCOMPARE(reply, QByteArray("Squelch 55:Latch\r\nCMD:"));
-        QCOMPARE(link.local().value(QStringLiteral("SQUELCH")), QStringLiteral("55"));
-        QCOMPARE(link.local().latchedValue(QStringLiteral("SQUELCH")), QStringLiteral("55"));
-        QCOMPARE(link.local().savedValue(QStringLiteral("SQUELCH")), QStringLiteral("30"));
-        QCOMPARE(exchange(link, "SQUELCH\r"), QByteArray("SQUELCH\r\nSQUELCH  = 55\r\nCMD:"));
-    }
-
+    // What the interpreter took is read back from its listing of changed settings.
     void abbreviationsAndCase_data()
     {
         QTest::addColumn<QByteArray>("line");
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<QString>("value");
-        QTest::newRow("ADDress") << QByteArray("ADD 5") << "ADDRESS"
-                                 << "5";
-        QTest::newRow("address full") << QByteArray("address 6") << "ADDRESS"
-                                      << "6";
-        QTest::newRow("SETCon") << QByteArray("SETC 40,41,12") << "SETCONNECT"
-                                << "40,41,12";
-        QTest::newRow("AUtolf") << QByteArray("au off") << "AUTOLF"
-                                << "OFF";
-        QTest::newRow("XSFlow") << QByteArray("xsf off") << "XSFLOW"
-                                << "OFF";
-        QTest::newRow("asq") << QByteArray("asq 70") << "ASQUELCH"
-                             << "70";
-        QTest::newRow("MESSForm") << QByteArray("messform on") << "MESSFORM"
-                                  << "ON";
-        QTest::newRow("MODEContr") << QByteArray("MODECONT ON") << "MODECONTR"
-                                   << "ON";
-        QTest::newRow("MULTID") << QByteArray("MULTI ON") << "MULTID"
-                                << "ON";
-        QTest::newRow("Termt") << QByteArray("Termt 200") << "TERMTIME"
-                               << "200";
-        QTest::newRow("Termc") << QByteArray("Termc ON") << "TERMC"
-                               << "ON";
-        QTest::newRow("PACKL") << QByteArray("PACKL 512") << "PACKLEN"
-                               << "512";
-        QTest::newRow("n1 fraction dropped") << QByteArray("sel/n1 9600.5") << "SEL/N1"
-                                             << "9600";
+        QTest::addColumn<QByteArray>("listed");
+        QTest::newRow("shortest") << QByteArray("ADD 5") << QByteArray("ADDRESS 5");
+        QTest::newRow("full, small letters") << QByteArray("address 6") << QByteArray("ADDRESS 6");
+        QTest::newRow("text value") << QByteArray("SETC 40,41,12") << QByteArray("SETCONNECT 40,41,12");
+        QTest::newRow("two letters, on-off in capitals") << QByteArray("ed off") << QByteArray("EDIT OFF");
+        QTest::newRow("three letters") << QByteArray("asq 70") << QByteArray("ASQUELCH 70");
+        QTest::newRow("between short and full") << QByteArray("MODECONT ON") << QByteArray("MODECONTR ON");
+        QTest::newRow("five letters") << QByteArray("Termt 200") << QByteArray("TERMTIME 200");
+        QTest::newRow("fraction dropped") << QByteArray("sel/n1 9600.5") << QByteArray("SEL/N1 9600");
     }
     void abbreviationsAndCase()
     {
         QFETCH(QByteArray, line);
-        QFETCH(QString, command);
-        QFETCH(QString, value);
+        QFETCH(QByteArray, listed);
         SimulatedModemLink link;
-        const QByteArray reply = exchange(link, line + '\r');
-        QCOMPARE(reply, line + "\r\nCMD:");
-        QCOMPARE(link.local().value(command), value);
+        QCOMPARE(exchange(link, line + '\r'), line + "\r\nCMD:");
+        QCOMPARE(exchange(link, "he ch\r"), "he ch\r\n" + listed + "\r\nCMD:");
     }
 
-    void refusals_data()
+    // The same editing wherever the line goes, the unit's own interpreter or a remote one. Bytes
+    // typed while an answer is on its way sit in the receive buffer and are taken, in order, when
+    // the prompt is back.
+    void typing_data()
     {
-        QTest::addColumn<QByteArray>("line");
-        QTest::addColumn<QByteArray>("word");
-        QTest::newRow("unknown") << QByteArray("frobnicate") << QByteArray("INVALID");
-        QTest::newRow("too short") << QByteArray("MODE") << QByteArray("AMBIGUOUS");
-        QTest::newRow("one letter") << QByteArray("S") << QByteArray("AMBIGUOUS");
-        QTest::newRow("address out of range") << QByteArray("ADD 300") << QByteArray("INVALID");
-        QTest::newRow("not on or off") << QByteArray("echo maybe") << QByteArray("INVALID");
-        QTest::newRow("version is read only") << QByteArray("version 9.99") << QByteArray("INVALID");
+        QTest::addColumn<QString>("scenario");
+        QTest::addColumn<QByteArray>("setup");
+        QTest::addColumn<QByteArray>("typed");
+        QTest::addColumn<QByteArray>("reply");
+        QTest::newRow("ctrl-c") << QString() << QByteArray() << QByteArray("\x03") << QByteArray("\r\nCMD:");
+        QTest::newRow("ctrl-c drops the answer on its way")
+            << QString() << QByteArray() << QByteArray("model\r\x03") << QByteArray("model\r\n\r\nCMD:");
+        QTest::newRow("echo and line feed off")
+            << QString() << QByteArray("xsf off:messform on:au off:echo off\r") << QByteArray("model\r")
+            << QByteArray("MODEL    = Q4U\rCMD:");
+        QTest::newRow("backspace") << QString() << QByteArray("echo off\r") << QByteArray("modex\bl\r")
+                                   << QByteArray("MODEL    = Q4U\r\nCMD:");
+        QTest::newRow("backspace echoed") << QString() << QByteArray() << QByteArray("\x7fS/x\x7fn\r")
+                                          << QByteArray("S/x\b \bn\r\nS/N      = 14210\r\nCMD:");
+        QTest::newRow("remote backspace") << QStringLiteral("demo") << QByteArray("echo off\rprog 12\r")
+                                          << QByteArray("s/x\bn\r") << QByteArray("S/N      = 14227\r\nRPG:");
+        QTest::newRow("remote backspace echoed")
+            << QStringLiteral("demo") << QByteArray("prog 12\r") << QByteArray("s/x\x7fn\r")
+            << QByteArray("s/x\b \bn\r\nS/N      = 14227\r\nRPG:");
+        QTest::newRow("typed ahead") << QString() << QByteArray("echo off\r") << QByteArray("model\rs/n\r")
+                                     << QByteArray("MODEL    = Q4U\r\nCMD:S/N      = 14210\r\nCMD:");
+        QTest::newRow("typed ahead of a remote answer")
+            << QStringLiteral("demo") << QByteArray("echo off\rprog 12\r") << QByteArray("model\rs/n\r")
+            << QByteArray("MODEL    = Q4U\r\nRPG:S/N      = 14227\r\nRPG:");
     }
-    void refusals()
+    void typing()
     {
-        QFETCH(QByteArray, line);
-        QFETCH(QByteArray, word);
-        SimulatedModemLink link;
-        QCOMPARE(exchange(link, line + '\r'), line + "\r\n" + word + "\r\nCMD:");
-    }
-
-    void aRefusedCommandStopsTheRestOfTheLine()
-    {
-        SimulatedModemLink link;
-        QCOMPARE(exchange(link, "squelch 40:bogus 1:squelch 50\r"),
-                 QByteArray("squelch 40:bogus 1:squelch 50\r\nINVALID\r\nCMD:"));
-        QCOMPARE(link.local().value(QStringLiteral("SQUELCH")), QStringLiteral("40"));
-    }
-
-    void echoAndAutoLineFeedOff()
-    {
-        SimulatedModemLink link;
-        exchange(link, "xsf off:messform on:au off:echo off\r");
-        QCOMPARE(exchange(link, "model\r"), QByteArray("MODEL    = Q4U\rCMD:"));
-    }
-
-    void backspaceEditsTheLine()
-    {
-        SimulatedModemLink link;
-        exchange(link, "echo off\r");
-        QCOMPARE(exchange(link, "modex\bl\r"), QByteArray("MODEL    = Q4U\r\nCMD:"));
-    }
-
-    void ctrlCAbandonsAPendingAnswer()
-    {
-        SimulatedModemLink link;
-        link.port().Output("model\r");
-        link.time().MsDelay(10);
-        link.port().Output("\x03");
-        link.time().MsDelay(500);
-        const QByteArray all = link.port().Input();
-        QVERIFY2(!all.contains("MODEL "), all.constData());
-        QVERIFY(all.endsWith("\r\nCMD:"));
+        QFETCH(QString, scenario);
+        QFETCH(QByteArray, setup);
+        QFETCH(QByteArray, typed);
+        QFETCH(QByteArray, reply);
+        SimulatedModemLink link(::scenario(scenario));
+        exchange(link, setup);
+        QCOMPARE(exchange(link, typed), reply);
     }
 
-    void linesTypedDuringAnAnswerAreTakenAfterIt()
+    void slowRepliesComeAfterTheEcho()
     {
         SimulatedModemLink link;
-        exchange(link, "echo off\r");
-        link.port().Output("model\r");
-        link.port().Output("s/n\r");
-        link.time().MsDelay(500);
-        QCOMPARE(link.port().Input(), QByteArray("MODEL    = Q4U\r\nCMD:S/N      = 14210\r\nCMD:"));
+        link.local().setReplyDelay(1500ms);
+        QCOMPARE(exchange(link, "Model\r", 1000), QByteArray("Model\r\n"));
+        link.time().MsDelay(1000);
+        QCOMPARE(link.port().Input(), QByteArray("MODEL    = Q4U\r\nCMD:"));
+    }
+
+    void silentModemAnswersNothingAndIsNotChanged()
+    {
+        SimulatedModemLink dead(scenario(QStringLiteral("dead-modem")));
+        QCOMPARE(exchange(dead, QByteArray(1, 3) + "FA\r", 3000), QByteArray());
+        SimulatedModemLink link;
+        link.local().setDead(true);
+        QCOMPARE(exchange(link, "\x03", 2000), QByteArray());
+        QCOMPARE(exchange(link, "FA\r", 2000), QByteArray());
+        QCOMPARE(link.truth().factoryDefaults.size(), 0);
+        link.local().setDead(false);
+        QVERIFY(exchange(link, "\x03").endsWith("CMD:"));
     }
 };
 

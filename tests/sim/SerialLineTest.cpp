@@ -1,6 +1,6 @@
-#include "SimExchange.h"
-#include "SimulatedModemLink.h"
+#include "SimRig.h"
 
+#include <QSignalSpy>
 #include <QTest>
 
 using sim::Scenario;
@@ -12,6 +12,15 @@ LineSettings line(const QString &text)
 {
     return *parseLineSettings(text);
 }
+
+Scenario throughTheAdaptor()
+{
+    Scenario s = Scenario::standard();
+    s.irAdaptor = true;
+    return s;
+}
+
+const QByteArray kModelReply("Model\r\nMODEL    = Q4U\r\nCMD:");
 
 } // namespace
 
@@ -50,65 +59,71 @@ private slots:
         QCOMPARE(sim::reframe(sent, line(sender), line(receiver)), received);
     }
 
-    void rateMismatchTurnsBothDirectionsToGarbage()
+    // Ctrl-C has even parity and crosses a 7E1 frame unchanged; a rate mismatch garbles even it.
+    void mismatchGarblesTheAnswer_data()
     {
-        SimulatedModemLink link; // the modem runs at 19200
-        link.port().setSettings(QStringLiteral("9600,n,8,1"));
-        const QByteArray reply = exchange(link, "\x03", 500);
-        QVERIFY2(!reply.contains("CMD:"), reply.toHex().constData());
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<bool>("promptGarbled");
+        QTest::newRow("rate") << "9600,n,8,1" << true;
+        QTest::newRow("frame") << "19200,e,7,1" << false;
+    }
+    void mismatchGarblesTheAnswer()
+    {
+        QFETCH(QString, host);
+        QFETCH(bool, promptGarbled);
+        SimulatedModemLink link; // the modem runs at 19200,n,8,1
+        link.port().setSettings(host);
+        const QByteArray prompt = exchange(link, "\x03", 500);
+        QVERIFY2(prompt.contains("CMD:") != promptGarbled, prompt.toHex().constData());
         const QByteArray model = exchange(link, "Model\r", 500);
-        QVERIFY(!model.contains("MODEL"));
-        // Back at the modem's rate the prompt is there again.
+        QVERIFY2(!model.contains("MODEL    = Q4U"), model.toHex().constData());
         link.port().setSettings(QStringLiteral("19200,n,8,1"));
         QVERIFY(exchange(link, "\x03", 500).endsWith("CMD:"));
     }
 
-    void frameMismatchGarbles()
+    void rateAndFrameOfTheUnit_data()
     {
-        SimulatedModemLink link;
-        link.port().setSettings(QStringLiteral("19200,e,7,1"));
-        const QByteArray reply = exchange(link, "Model\r", 500);
-        QVERIFY2(!reply.contains("MODEL    = Q4U"), reply.constData());
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<int>("switches");
+        QTest::addColumn<int>("switchBits");
+        QTest::addColumn<int>("comrate");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("comrate") << "Q4U" << 2 << 1 << 25 << "9600,e,7,1";
+        QTest::newRow("odd parity") << "Q4U" << 2 << 1 << 123 << "2400,o,8,1";
+        QTest::newRow("two stop bits") << "Q4U" << 2 << 1 << 36 << "1200,n,8,2";
+        QTest::newRow("switch 1 down") << "Q4U" << 2 << 0 << 25 << "19200,n,8,1";
+        QTest::newRow("spread spectrum") << "Q4Z" << 2 << 1 << 40 << "115200,n,8,1";
+        QTest::newRow("spread spectrum 2400") << "Q4Z" << 2 << 1 << 46 << "2400,n,8,1";
+        // The old case has no rate command: eight switches hold rate and frame.
+        QTest::newRow("old case") << "Q4U" << 8 << (0x01 | 0x08 | 0x20) << 25 << "9600,n,8,1";
+        QTest::newRow("old case Q4Z") << "Q4Z" << 8 << (0x02 | 0x08 | 0x10 | 0x20) << 40 << "4800,e,8,1";
+    }
+    void rateAndFrameOfTheUnit()
+    {
+        QFETCH(QString, model);
+        QFETCH(int, switches);
+        QFETCH(int, switchBits);
+        QFETCH(int, comrate);
+        QFETCH(QString, expected);
+        Scenario s = Scenario::standard();
+        s.modems[0].model = model;
+        s.modems[0].switches = switches;
+        s.modems[0].switchBits = switchBits;
+        s.modems[0].settings = {{QStringLiteral("COMRATE"), QString::number(comrate)}};
+        SimulatedModemLink link(s);
+        QCOMPARE(link.local().lineSettings(), line(expected));
+        QCOMPARE(link.port().Settings(), expected);
     }
 
-    void startUpSwitchForcesTheFixedRate()
+    void newRateTakesEffectAtTheNextRestart()
     {
         Scenario s = Scenario::standard();
-        s.modems[0].settings = {{QStringLiteral("COMRATE"), QStringLiteral("25")}}; // 9600,E,7,1
+        s.modems[0].settings = {{QStringLiteral("COMRATE"), QStringLiteral("25")}};
         SimulatedModemLink link(s);
-        QCOMPARE(link.port().Settings(), QStringLiteral("9600,e,7,1"));
-        QVERIFY(exchange(link, "\x03").endsWith("CMD:"));
-        // Switch 1 down and a reset: the unit talks at 19200,N,8,1 whatever its comrate.
-        link.local().setSwitchBits(0);
-        link.local().reset();
-        link.time().MsDelay(500);
-        link.port().setSettings(QStringLiteral("19200,N,8,1"));
-        QVERIFY(exchange(link, "\x03").endsWith("CMD:"));
-        // The rate the utility sends takes effect at the next restart with the switch up.
         exchange(link, "comrate 43:sa\r");
-        link.local().setSwitchBits(1);
+        QCOMPARE(link.local().lineSettings(), line(QStringLiteral("9600,e,7,1")));
         link.local().reset();
-        link.time().MsDelay(500);
         QCOMPARE(link.local().lineSettings(), line(QStringLiteral("2400,n,8,1")));
-    }
-
-    void spreadSpectrumRateCodes()
-    {
-        Scenario s = Scenario::standard();
-        s.modems[0].model = QStringLiteral("Q4Z");
-        s.modems[0].settings = {{QStringLiteral("COMRATE"), QStringLiteral("40")}};
-        SimulatedModemLink link(s);
-        QCOMPARE(link.local().lineSettings(), line(QStringLiteral("115200,n,8,1")));
-    }
-
-    void oldCaseRateComesFromTheSwitches()
-    {
-        Scenario s = Scenario::standard();
-        s.modems[0].serial = 9100;
-        s.modems[0].switches = 8;
-        s.modems[0].switchBits = 0x01 | 0x08 | 0x20; // 9600, one stop bit, eight data bits
-        SimulatedModemLink link(s);
-        QCOMPARE(link.local().lineSettings(), line(QStringLiteral("9600,n,8,1")));
     }
 
     void lastSwitchUpStartsInOperatingMode()
@@ -119,25 +134,25 @@ private slots:
         link.local().powerUp();
         link.time().MsDelay(500);
         const QByteArray banner = link.port().Input();
-        QVERIFY(banner.contains("Unit Address"));
-        QVERIFY(!banner.contains("CMD:"));
+        QVERIFY(banner.endsWith("Unit Address = 1\r\n"));
         QVERIFY(!exchange(link, "model\r").contains("MODEL"));
         QVERIFY(exchange(link, "\x03").endsWith("CMD:"));
     }
 
-    void irAdaptorStartsOnlyAfterItsCommandBytes()
+    // The adaptor takes commands after an RTS pulse and DTR low: D1 C0 is answered with C2, D0 03 45
+    // sets up the link, and DTR high puts it to work.
+    void irAdaptorStartsOnlyAfterItsPulseAndCommandBytes()
     {
-        Scenario s = Scenario::standard();
-        s.irAdaptor = true;
-        SimulatedModemLink link(s);
-        QCOMPARE(link.port().Settings(), QStringLiteral("9600,n,8,1"));
-        // Not set up yet: nothing crosses.
-        QCOMPARE(exchange(link, "\x03"), QByteArray());
+        SimulatedModemLink link(throughTheAdaptor());
         MemoryCommControl &port = link.port();
+        QCOMPARE(port.Settings(), QStringLiteral("9600,n,8,1"));
+        QCOMPARE(exchange(link, "\x03"), QByteArray());
+        port.setDTREnable(false);
+        QCOMPARE(exchange(link, "\xD1\xC0"), QByteArray());
+        QVERIFY(!link.line().adaptorReady());
         port.setRTSEnable(false);
         link.time().MsDelay(30);
         port.setRTSEnable(true);
-        port.setDTREnable(false);
         port.Output("\xD1");
         port.Output("\xC0");
         link.time().MsDelay(200);
@@ -148,26 +163,9 @@ private slots:
         link.time().MsDelay(100);
         port.setDTREnable(true);
         QVERIFY(link.line().adaptorReady());
-        // The modem behind it runs at 19200; the adaptor takes care of that.
-        QVERIFY(exchange(link, "\x03").endsWith("CMD:"));
-    }
-
-    void irAdaptorLosesBurstsAndPassesSingleCharacters()
-    {
-        Scenario s = Scenario::standard();
-        s.irAdaptor = true;
-        SimulatedModemLink link(s);
-        MemoryCommControl &port = link.port();
-        port.setRTSEnable(false);
-        port.setRTSEnable(true);
-        port.setDTREnable(false);
-        port.Output("\xD1\xC0");
-        link.time().MsDelay(200);
-        QCOMPARE(port.Input(), QByteArray("\xC2"));
-        port.Output("\xD0\x03\x45");
-        link.time().MsDelay(100);
-        port.setDTREnable(true);
-        // Of the burst only the first letter reaches the modem, which echoes it.
+        // The modem behind it runs at 19200; the adaptor takes care of that. Of a burst only the
+        // first letter reaches the modem, which echoes it; single characters pass.
+        QCOMPARE(exchange(link, "\x03"), QByteArray("\r\nCMD:"));
         QCOMPARE(exchange(link, "squelch\r"), QByteArray("s"));
         QCOMPARE(exchange(link, "\x03"), QByteArray("\r\nCMD:"));
         for (char c : QByteArray("squelch\r")) {
@@ -178,16 +176,53 @@ private slots:
         QCOMPARE(port.Input(), QByteArray("squelch\r\nSQUELCH  = 30\r\nCMD:"));
     }
 
-    void irAdaptorSilentWithoutTheControlLinePulse()
+    void droppedAndGarbledBytes()
     {
-        Scenario s = Scenario::standard();
-        s.irAdaptor = true;
-        SimulatedModemLink link(s);
-        link.port().setDTREnable(false);
-        link.port().Output("\xD1");
-        link.port().Output("\xC0");
+        SimulatedModemLink link;
+        link.line().faults().dropRate = 0.5;
+        const QByteArray dropped = exchange(link, "Model\r");
+        QVERIFY(dropped.size() < kModelReply.size());
+        QVERIFY(dropped.size() > 0);
+        link.line().faults() = {0, 1.0, 0};
+        const QByteArray garbled = exchange(link, "Model\r");
+        QCOMPARE(garbled.size(), kModelReply.size());
+        QCOMPARE(uchar(garbled[0]), uchar('M' ^ 0xA5));
+    }
+
+    void repliesSplitAcrossReads()
+    {
+        SimulatedModemLink link;
+        link.line().faults().splitGapMs = 150;
+        link.port().Output("\x03");
+        link.time().MsDelay(100);
+        QCOMPARE(link.port().Input(), QByteArray("\r\nC"));
         link.time().MsDelay(200);
-        QCOMPARE(link.port().Input(), QByteArray());
+        QCOMPARE(link.port().Input(), QByteArray("MD:"));
+    }
+
+    void floodFillsTheLineAtItsRate()
+    {
+        SimulatedModemLink link;
+        link.line().flood(1000);
+        link.time().MsDelay(500);
+        const int half = link.port().InBufferCount();
+        link.time().MsDelay(1000);
+        const QByteArray all = link.port().Input();
+        // 19200 baud: about 1920 characters a second.
+        QVERIFY2(half > 800 && half < 1100, QByteArray::number(half).constData());
+        QVERIFY(all.size() > 1800 && all.size() < 2000);
+        QVERIFY(!all.contains("CMD:"));
+        // The modem is still there behind the noise.
+        QVERIFY(exchange(link, "\x03").endsWith("CMD:"));
+    }
+
+    void hangUpClosesThePort()
+    {
+        SimulatedModemLink link;
+        QSignalSpy lost(&link.port(), &CommControl::lineLost);
+        link.line().hangUp();
+        QCOMPARE(lost.count(), 1);
+        QVERIFY(!link.port().PortOpen());
     }
 };
 

@@ -57,12 +57,9 @@ Reply runCommandLine(Modem &modem, const QString &line, bool overAir, std::chron
         const QString command = part.trimmed();
         if (command.isEmpty())
             continue;
-        const qsizetype blank = command.indexOf(QLatin1Char(' '));
-        const QString word = blank < 0 ? command : command.left(blank);
-        CommandCall call{modem, QString(), blank < 0 ? QString() : command.mid(blank + 1).trimmed(), overAir,
-                         reply};
+        CommandCall call{modem, QString(), command.section(QLatin1Char(' '), 1).trimmed(), overAir, reply};
         const CommandDef *def = nullptr;
-        const Match match = matchCommand(word, &def);
+        const Match match = matchCommand(command.section(QLatin1Char(' '), 0, 0), &def);
         if (match == Match::Ambiguous) {
             call.answer("AMBIGUOUS");
             break;

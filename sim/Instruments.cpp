@@ -57,12 +57,11 @@ bool runRadio(CommandCall &call)
     return true;
 }
 
-// Port 0, register 5 is the receiver's status latch, shown in two hex digits after the address.
+// Port 0, register 5 is the receiver's status latch, shown in hex after the address.
 bool runInOut(CommandCall &call)
 {
     const int status = call.modem.instruments().receiverStatus();
-    call.answer("INOUT    = " + call.argument.toLatin1() + ' ' +
-                QByteArray::number(status, 16).rightJustified(2, '0').toUpper());
+    call.answer("INOUT    = " + call.argument.toLatin1() + ' ' + QByteArray::number(status, 16).toUpper());
     return true;
 }
 

@@ -20,7 +20,6 @@ public:
     // Opens a link along the route; the prompt or the partner's first answer follows.
     void open(const QList<int> &route, bool programming);
     void disconnect() { m_connectRoute.clear(); }
-    void endRemote() { m_remoteRoute.clear(); }
     void reset();
 
     // This unit's side of remote programming: the line goes out, the far unit's answer comes back.

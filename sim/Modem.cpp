@@ -249,8 +249,6 @@ void Modem::interrupt()
     ++m_generation;
     m_console.clear();
     m_instruments.stopStream();
-    if (m_mode == Mode::Remote)
-        m_links.endRemote();
     m_mode = Mode::Command;
     send(lineEnd() + "CMD:");
 }

@@ -8,6 +8,8 @@ namespace sim {
 namespace {
 
 constexpr int kAny = 0x7fffffff;
+// Reading stops once the value passes this: no setting comes near it.
+constexpr long long kNumberLimit = 100000000000LL;
 
 // Reads or sets one setting of the working copy.
 bool runSetting(CommandCall &call)
@@ -124,21 +126,21 @@ QByteArray valueLine(const ParameterDef &def, const QString &value)
     return line;
 }
 
-long long leadingNumber(const QString &text, bool *ok)
+std::optional<long long> leadingNumber(const QString &text)
 {
     const QString t = text.trimmed();
-    int i = 0;
-    bool negative = false;
-    if (i < t.size() && (t[i] == QLatin1Char('-') || t[i] == QLatin1Char('+'))) {
-        negative = t[i] == QLatin1Char('-');
-        ++i;
-    }
-    const int digitsStart = i;
+    const bool negative = t.startsWith(QLatin1Char('-'));
+    const bool hasSign = negative || t.startsWith(QLatin1Char('+'));
     long long value = 0;
-    while (i < t.size() && t[i].isDigit() && value < 100000000000LL)
-        value = value * 10 + t[i++].digitValue();
-    if (ok)
-        *ok = i > digitsStart;
+    int digits = 0;
+    for (const QChar c : QStringView(t).mid(hasSign ? 1 : 0)) {
+        if (!c.isDigit() || value >= kNumberLimit)
+            break;
+        value = value * 10 + c.digitValue();
+        ++digits;
+    }
+    if (digits == 0)
+        return std::nullopt;
     return negative ? -value : value;
 }
 
@@ -147,11 +149,10 @@ std::optional<QString> normaliseValue(const ParameterDef &def, const QString &ty
     const QString t = typed.trimmed();
     switch (def.kind) {
     case ValueKind::Number: {
-        bool ok = false;
-        const long long v = leadingNumber(t, &ok);
-        if (!ok || v < def.low || (def.high != 0 && v > def.high))
+        const std::optional<long long> v = leadingNumber(t);
+        if (!v || *v < def.low || (def.high != 0 && *v > def.high))
             return std::nullopt;
-        return QString::number(v);
+        return QString::number(*v);
     }
     case ValueKind::OnOff: {
         const QString u = t.toUpper();

@@ -40,7 +40,7 @@ QByteArray valueLine(const ParameterDef &def, const QString &value);
 // Normalises a value typed after a command; nothing when the firmware refuses it.
 std::optional<QString> normaliseValue(const ParameterDef &def, const QString &typed);
 
-// The numeric value at the front of a text ("12abc" is 12, "9600.5" is 9600, "x" is 0).
-long long leadingNumber(const QString &text, bool *ok = nullptr);
+// The number at the front of a text ("12abc" is 12, "9600.5" is 9600); nothing when there is none.
+std::optional<long long> leadingNumber(const QString &text);
 
 } // namespace sim

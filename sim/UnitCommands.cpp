@@ -72,10 +72,10 @@ bool runHelp(CommandCall &call)
 bool setTableLine(QStringList &table, const QString &argument)
 {
     bool ok = false;
-    const qsizetype comma = argument.indexOf(QLatin1Char(','));
-    const int n = (comma < 0 ? argument : argument.left(comma)).trimmed().toInt(&ok);
+    const int n = argument.section(QLatin1Char(','), 0, 0).trimmed().toInt(&ok);
     if (!ok || n < 1 || n > kTableLines)
         return false;
+    const qsizetype comma = argument.indexOf(QLatin1Char(','));
     if (comma < 0) {
         if (n <= table.size())
             table.removeAt(n - 1);

@@ -60,6 +60,7 @@ private slots:
         QCOMPARE(remote->value(QStringLiteral("SQUELCH")), QStringLiteral("61"));
         QCOMPARE(link.truth().resets.size(), 1);
         QCOMPARE(atRemote, QByteArray());
+        QVERIFY(!remote->transmitterKeyed());
         QCOMPARE(exchange(link, "\x03", 500), QByteArray("\r\nCMD:"));
         QCOMPARE(link.local().mode(), Modem::Mode::Command);
         QCOMPARE(exchange(link, "squelch\r"), QByteArray("squelch\r\nSQUELCH  = 30\r\nCMD:"));
@@ -95,6 +96,7 @@ private slots:
     {
         SimulatedModemLink link(scenario(QStringLiteral("demo")));
         link.time().advance(1000);
+        link.network().setLinkDown(1, 12, true);
         link.network().setLinkDown(1, 12, true);
         QVERIFY(!exchange(link, "prog 12\r", 5000).contains("RPG:"));
         link.time().advance(9000);
@@ -148,11 +150,12 @@ private slots:
     void dataQualitySamples()
     {
         SimulatedModemLink link(scenario(QStringLiteral("demo")));
-        QVERIFY(sendLine(link, "DQ ON", "CMD:", 500));
+        // No command character: every byte typed is data.
+        QVERIFY(sendLine(link, "DQ ON:command 0", "CMD:", 500));
         QVERIFY(sendLine(link, "conn 12", "*** CONNECTED TO 12\r\n", 500));
         link.port().Input();
         for (int i = 0; i < 10; ++i) {
-            link.port().Output("\r");
+            link.port().Output(QByteArray("\0\r", 2));
             link.time().MsDelay(100);
         }
         link.time().MsDelay(500);
@@ -201,31 +204,27 @@ private slots:
         QMap<int, int> good;
         QMap<int, int> down;
         const QByteArray packet = QByteArray(64, 'x') + '\r';
-        // One poll as the polling diagnostic makes it: connect, packet, acknowledgement, TXS.
+        // One poll as the polling diagnostic makes it: connect, packet, acknowledgement, TXS. The
+        // count of a failed poll is read and thrown away.
         auto poll = [&](int address) {
             QVERIFY(sendLine(link, "\x03", "CMD:", 3000));
-            if (!sendLine(link, "CONN " + QByteArray::number(address), "*", 2000)) {
-                ++down[address];
-                return;
-            }
-            link.port().Input();
-            link.port().Output(packet);
             QByteArray seen;
-            for (int pass = 0; pass < 160 && !seen.contains('*') && !seen.contains("SS03"); ++pass) {
-                link.time().MsDelay(100);
-                seen += link.port().Input();
+            if (sendLine(link, "CONN " + QByteArray::number(address), "*", 2000)) {
+                link.port().Output(packet);
+                for (int pass = 0; pass < 160 && !seen.contains('*') && !seen.contains("SS03"); ++pass) {
+                    link.time().MsDelay(100);
+                    seen += link.port().Input();
+                }
             }
-            // The count of a failed poll is read and thrown away, as the diagnostic does.
             const bool delivered = seen.contains('*');
-            delivered ? ++good[address] : ++down[address];
+            ++(delivered ? good : down)[address];
             QVERIFY(sendLine(link, "\x03", "CMD:", 3000));
+            QByteArray txs;
             link.port().Output("TXS\r");
-            link.time().MsDelay(300);
-            const QByteArray txs = link.port().Input();
-            const qsizetype p = txs.indexOf("Retries = ");
-            QVERIFY2(p >= 0, txs.constData());
+            QVERIFY(waitFor(link, "CMD:", 300, &txs));
+            const qsizetype p = txs.indexOf("Retries = ") + 10;
             if (delivered)
-                reported[address] += txs.mid(p + 10, txs.indexOf('\r', p) - p - 10).toInt();
+                reported[address] += txs.mid(p, txs.indexOf('\r', p) - p).toInt();
         };
         // The north path loses packets; the hill site drops out from 60 s to 105 s.
         while (link.time().elapsedMs() < 150000) {
@@ -265,6 +264,7 @@ private slots:
         remote->reset();
         link.time().MsDelay(500);
         atRemote.clear();
+        exchange(link, "command 1:packl 1\r");
         QVERIFY(sendLine(link, "conn 12", "*", 1000));
         QCOMPARE(link.local().mode(), Modem::Mode::Converse);
         exchange(link, "hello remote\r");
@@ -272,9 +272,10 @@ private slots:
         remote->receive("hello base\r");
         link.time().MsDelay(1000);
         QCOMPARE(link.port().Input(), QByteArray("hello base\r"));
-        // Ctrl-C gives the prompt and keeps the connection.
-        QVERIFY(exchange(link, "\x03", 300).endsWith("CMD:"));
-        QVERIFY(sendLine(link, "disc", "CMD:", 500));
+        // The command character gives the prompt; the counts are of the packets since the last reading.
+        QCOMPARE(exchange(link, "\x01", 300), QByteArray("\r\nCMD:"));
+        QCOMPARE(exchange(link, "txs\r"), QByteArray("txs\r\nPackets = 13\r\nRetries = 0\r\nCMD:"));
+        QCOMPARE(exchange(link, "txs\r"), QByteArray("txs\r\nPackets = 0\r\nRetries = 0\r\nCMD:"));
     }
 };
 

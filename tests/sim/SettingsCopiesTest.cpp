@@ -34,6 +34,10 @@ private slots:
         QCOMPARE(link.local().value(kSquelch), QStringLiteral("44"));
         QCOMPARE(link.local().latchedValue(kSquelch), QStringLiteral("44"));
         QCOMPARE(link.truth().resets.size(), 1);
+        // The second bank is the factory record.
+        exchange(link, "s/n 15000:model Q4Y:save 2:fa\r");
+        QCOMPARE(link.local().value(QStringLiteral("S/N")), QStringLiteral("15000"));
+        QCOMPARE(link.local().value(QStringLiteral("MODEL")), QStringLiteral("Q4Y"));
     }
 
     // The banner carries the unit's address: that is how the utility knows the command went through.
@@ -72,16 +76,6 @@ private slots:
                      link.local().value(QLatin1String(command)));
         QCOMPARE(link.local().latchedValue(kNetwork), QStringLiteral("37"));
         QCOMPARE(link.local().savedValue(kSquelch), QStringLiteral("30"));
-    }
-
-    void secondSaveBankIsTheFactoryRecord()
-    {
-        SimulatedModemLink link;
-        exchange(link, "s/n 15000:model Q4Y\r");
-        exchange(link, "save 2\r");
-        exchange(link, "fa\r");
-        QCOMPARE(link.local().value(QStringLiteral("S/N")), QStringLiteral("15000"));
-        QCOMPARE(link.local().value(QStringLiteral("MODEL")), QStringLiteral("Q4Y"));
     }
 
     void helpChangedListsAProgramThatDownloadsBack()

@@ -1,632 +1,336 @@
 #include "IniFile.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
-#include <limits>
-#include <memory>
-#include <unistd.h>
+#include "Tables.h"
 
-using namespace Qt::StringLiterals;
+#include <QDir>
+#include <QTemporaryDir>
+
+namespace {
+// A read of section "Port_Phone" (or the section before a "/" in the key) from a file, as text:
+// "string" the value with a default and a buffer, "int" with the default 99, "has" yes or no,
+// "keys" the list joined by "|" with a buffer. A null file is no file at all.
+struct Read
+{
+    const char *name;
+    const char *file;
+    const char *call;
+    const char *key;
+    const char *defaultValue;
+    int buffer;
+    const char *result;
+};
+
+const char *const kPort = "[Port_Phone]\nComm Port=1\n";
+
+const Read kReads[] = {
+    {"plain", "[Port_Phone]\nSettings=9600,n,8,1\n", "string", "Settings", "", 20, "9600,n,8,1"},
+    {"names without regard to case", "[PORT_phone]\nsettings=1200,e,7,1\n", "string", "SETTINGS", "", 20,
+     "1200,e,7,1"},
+    {"blanks around name and value", "[ Port_Phone ]\n  Settings  =  4800,n,8,1  \n", "string", "Settings",
+     "", 20, "4800,n,8,1"},
+    {"double quotes dropped", "[Port_Phone]\nFontName=\"Courier New\"\n", "string", "FontName", "", 256,
+     "Courier New"},
+    {"single quotes dropped", "[Port_Phone]\nFontName='Terminal'\n", "string", "FontName", "", 256,
+     "Terminal"},
+    {"unmatched quotes kept", "[Port_Phone]\nFontName=\"Courier'\n", "string", "FontName", "", 256,
+     "\"Courier'"},
+    {"empty quotes", "[Port_Phone]\nFontName=\"\"\n", "string", "FontName", "x", 256, ""},
+    {"one quote kept", "[Port_Phone]\nFontName=\"\n", "string", "FontName", "", 256, "\""},
+    {"value holding =", "[Port_Phone]\nA=b=c\n", "string", "A", "", 256, "b=c"},
+    {"empty value is no default", "[Port_Phone]\nSettings=\n", "string", "Settings", "x", 20, ""},
+    {"missing key", kPort, "string", "Settings", "dflt", 20, "dflt"},
+    {"key of another section", "[Terminal_Phone]\nSettings=9600,n,8,1\n[Port_Phone]\nComm Port=1\n", "string",
+     "Settings", "dflt", 20, "dflt"},
+    {"key behind the section", "[Port_Phone]\n[Other]\nSettings=1\n", "string", "Settings", "dflt", 20,
+     "dflt"},
+    {"missing section", "[Application]\nSettings=1\n", "string", "Settings", "dflt", 20, "dflt"},
+    {"no file, default loses trailing blanks", nullptr, "string", "Settings", "abc   ", 20, "abc"},
+    {"value cut at buffer", "[Port_Phone]\nSettings=115200,n,8,1,extra,extra\n", "string", "Settings", "", 20,
+     "115200,n,8,1,extra,"},
+    {"buffer 4 holds 3", "[Port_Phone]\nComm Port=1234\n", "string", "Comm Port", "", 4, "123"},
+    {"default cut at buffer", nullptr, "string", "Settings", "defaulted", 4, "def"},
+    {"buffer of one holds nothing", kPort, "string", "Comm Port", "", 1, ""},
+    {"buffer of zero holds nothing", kPort, "string", "Comm Port", "x", 0, ""},
+    {"comment is no key", "[Port_Phone]\n;Settings=2400,n,8,1\n", "string", "Settings", "dflt", 20, "dflt"},
+    {"line without = is no key", "[Port_Phone]\nSettings\n", "string", "Settings", "dflt", 20, "dflt"},
+    {"line without a name is no key", "[Port_Phone]\n =2\n", "keys", "", "", 256, ""},
+    {"first of two keys", "[Port_Phone]\nSettings=1\nsettings=2\n", "string", "Settings", "", 20, "1"},
+    {"first of two sections", "[Port_Phone]\nSettings=1\n[port_phone]\nSettings=2\n", "string", "Settings",
+     "", 20, "1"},
+    {"crlf", "[Port_Phone]\r\nSettings=9600,n,8,1\r\n", "string", "Settings", "", 20, "9600,n,8,1"},
+    {"last line without line end", "[Port_Phone]\r\nSettings=9600", "string", "Settings", "", 20, "9600"},
+    {"byte order mark", "\xEF\xBB\xBF[Port_Phone]\nSettings=1\n", "string", "Settings", "", 20, "1"},
+    {"utf-8", "[Port_Phone]\nFontName=Caf\xC3\xA9\n", "string", "FontName", "", 256, "Caf\xC3\xA9"},
+    {"single-byte text", "[Port_Phone]\nFontName=Caf\xE9\n", "string", "FontName", "", 256, "Caf\xC3\xA9"},
+    {"number", "[Port_Phone]\nHandshaking=2\n", "int", "Handshaking", "", 0, "2"},
+    {"number with leading blanks", "[Port_Phone]\nHandshaking=   17\n", "int", "Handshaking", "", 0, "17"},
+    {"negative number", "[Port_Phone]\nHandshaking=-3\n", "int", "Handshaking", "", 0, "-3"},
+    {"number with plus sign", "[Port_Phone]\nHandshaking=+5\n", "int", "Handshaking", "", 0, "5"},
+    {"number at front", "[Port_Phone]\nHandshaking=12abc\n", "int", "Handshaking", "", 0, "12"},
+    {"no number", "[Port_Phone]\nHandshaking=abc\n", "int", "Handshaking", "", 0, "0"},
+    {"empty number", "[Port_Phone]\nHandshaking=\n", "int", "Handshaking", "", 0, "0"},
+    {"quoted number", "[Port_Phone]\nHandshaking=\"42\"\n", "int", "Handshaking", "", 0, "42"},
+    {"number too large", "[Port_Phone]\nHandshaking=99999999999999\n", "int", "Handshaking", "", 0,
+     "2147483647"},
+    {"number too small", "[Port_Phone]\nHandshaking=-99999999999999\n", "int", "Handshaking", "", 0,
+     "-2147483648"},
+    {"number missing", kPort, "int", "Handshaking", "", 0, "99"},
+    {"number, no file", nullptr, "int", "Handshaking", "", 0, "99"},
+    {"has a key with an empty value", "[Port_Phone]\nComm Port=\n", "has", "comm port", "", 0, "yes"},
+    {"has no commented key", "[Port_Phone]\n; Settings=9600\n", "has", "Settings", "", 0, "no"},
+    {"has no line without =", "[Port_Phone]\nDTREnable\n", "has", "DTREnable", "", 0, "no"},
+    {"has no key of another section", "[Port_Phone]\n[Other]\nRTSEnable=True\n", "has", "RTSEnable", "", 0,
+     "no"},
+    {"has the key of that section", "[Port_Phone]\n[Other]\nRTSEnable=True\n", "has", "other/RTSEnable", "",
+     0, "yes"},
+    {"has nothing, no file", nullptr, "has", "Comm Port", "", 0, "no"},
+    {"keys in order",
+     "[Application]\nx=1\n[Button Assignments]\r\n; note\r\n3 - Squelch=sq~\r\n\r\njunk\r\n"
+     "  1 - Model = model~\r\n[Port_Phone]\r\n",
+     "keys", "button assignments/", "", 256, "3 - Squelch|1 - Model"},
+    {"keys of a missing section", kPort, "keys", "Missing/", "", 256, ""},
+    {"keys, no file", nullptr, "keys", "", "", 256, ""},
+    // The list "abc\0defgh\0\0" takes 11 characters of the buffer.
+    {"keys fit exactly", "[S]\nabc=1\ndefgh=2\n", "keys", "S/", "", 11, "abc|defgh"},
+    {"keys one short cut the last", "[S]\nabc=1\ndefgh=2\n", "keys", "S/", "", 10, "abc|defg"},
+    {"keys with room for one of the last", "[S]\nabc=1\ndefgh=2\n", "keys", "S/", "", 7, "abc|d"},
+    {"keys without the last", "[S]\nabc=1\ndefgh=2\n", "keys", "S/", "", 6, "abc"},
+    {"keys with the first cut", "[S]\nabc=1\ndefgh=2\n", "keys", "S/", "", 3, "a"},
+    {"keys without room", "[S]\nabc=1\ndefgh=2\n", "keys", "S/", "", 2, ""},
+};
+
+// Writes into a file, and the file's bytes after them. Each write is "Section|Key|Value" (a "^"
+// stands for a zero character); the reads after them give "Section|Key|Value" as read back.
+struct Write
+{
+    const char *name;
+    const char *before;
+    QList<const char *> writes;
+    const char *after;
+    QList<const char *> readBack = {};
+};
+
+const Write kWrites[] = {
+    {"new file",
+     nullptr,
+     {"Port_Phone|Comm Port|2", "Port_Phone|Settings|9600,n,8,1"},
+     "[Port_Phone]\nComm Port=2\nSettings=9600,n,8,1\n",
+     {"Port_Phone|Settings|9600,n,8,1"}},
+    {"one value changes, the rest stays",
+     "; settings of the utility\n[Application]\nHide Intro = False   ; set by hand\nOdd line without "
+     "equals\n\n"
+     "[Port_Phone]\n  Comm Port=1\nSettings=\"9600,n,8,1\"\n",
+     {"Port_Phone|Comm Port|3", "Application|Hide Intro|True"},
+     "; settings of the utility\n[Application]\nHide Intro=True\nOdd line without equals\n\n[Port_Phone]\n"
+     "Comm Port=3\nSettings=\"9600,n,8,1\"\n"},
+    {"new key behind the last key of its section",
+     "[Application]\nHide Intro=True\n; a note at the end\n\n; about the port\n[Port_Phone]\nComm Port=1\n"
+     "[Bare]\n\n[Last]\n",
+     {"Application|Hide Diag|True", "Bare|Only|x"},
+     "[Application]\nHide Intro=True\nHide Diag=True\n; a note at the end\n\n; about the port\n[Port_Phone]\n"
+     "Comm Port=1\n[Bare]\nOnly=x\n\n[Last]\n"},
+    {"new section at the end",
+     "[Application]\nHide Intro=True",
+     {"Port_Phone|Comm Port|1"},
+     "[Application]\nHide Intro=True\n\n[Port_Phone]\nComm Port=1\n"},
+    {"new section after a blank line",
+     "[Application]\nHide Intro=True\n\n",
+     {"Port_Phone|Comm Port|1"},
+     "[Application]\nHide Intro=True\n\n[Port_Phone]\nComm Port=1\n"},
+    {"line ends of a Windows file",
+     "[Application]\r\nHide Intro=False\r\n[Port_Phone]\r\nComm Port=1",
+     {"Application|Hide Intro|True", "Port_Phone|Settings|9600,n,8,1", "Terminal_Phone|Rows|25"},
+     "[Application]\r\nHide Intro=True\r\n[Port_Phone]\r\nComm Port=1\r\nSettings=9600,n,8,1\r\n\r\n"
+     "[Terminal_Phone]\r\nRows=25\r\n",
+     {"PORT_PHONE|comm port|1"}},
+    {"names keep their spelling",
+     "[application]\r\nhide intro=False\r\n",
+     {"Application|Hide Intro|-1"},
+     "[application]\r\nhide intro=-1\r\n"},
+    {"byte order mark kept",
+     "\xEF\xBB\xBF[Terminal_Phone]\nFontName=Caf\xC3\xA9\n",
+     {"Terminal_Phone|Rows|25"},
+     "\xEF\xBB\xBF[Terminal_Phone]\nFontName=Caf\xC3\xA9\nRows=25\n"},
+    // A file of single bytes that is no UTF-8 goes back in single bytes, so its other lines don't change.
+    {"single bytes kept",
+     "; r\xE9glages\n[Terminal_Phone]\nFontName=Caf\xE9\n",
+     {"Terminal_Phone|Rows|25"},
+     "; r\xE9glages\n[Terminal_Phone]\nFontName=Caf\xE9\nRows=25\n"},
+    {"value without line feed",
+     "[B]\n1 - Model=model~\n",
+     {"B|2 - Test|a\nInjected=1"},
+     "[B]\n1 - Model=model~\n2 - Test=aInjected=1\n",
+     {"B|2 - Test|aInjected=1"}},
+    {"value without line ends",
+     "",
+     {"B|2|a\r\nInjected=1\r\n", "B|3|x\r[Evil]\rEvil=1"},
+     "[B]\n2=aInjected=1\n3=x[Evil]Evil=1\n"},
+    {"value without other line breaks", "", {"B|2|p\u2028q\u2029r\u0085s\vt\fu"}, "[B]\n2=pqrstu\n"},
+    {"value ends at a zero", "", {"B|2|ab^\nInjected=1"}, "[B]\n2=ab\n"},
+    {"names that cannot add a line or a key",
+     nullptr,
+     {"B|4 - a=b\nInjected|x", "B|[Evil]|y", "B|;hidden|z", "A\n[B]|k|v", "B|\r\n|nothing", "\n|k|nothing"},
+     "[B]\n4 - abInjected=x\nEvil]=y\nhidden=z\n\n[A[B]]\nk=v\n",
+     // Reads clean the names the same way, so what was written is found again.
+     {"B|4 - a=b\nInjected|x", "B|[Evil]|y", "A\n[B]|k|v"}},
+};
+
+QString zeros(const char *text)
+{
+    return QString::fromUtf8(text).replace(u'^', QChar(0));
+}
+
+struct Rule
+{
+    const char *name;
+    const char *rule;
+    QList<const char *> args;
+    const char *result;
+};
+
+// iniBool; NextIniKey(position, list, separator) as "item|position after"; CleanIniText as
+// "result|text after" ("^" a zero); iniFileNameFor.
+const Rule kRules[] = {
+    {"True", "iniBool", {"True"}, "true"},
+    {"-1", "iniBool", {"-1"}, "true"},
+    {"1", "iniBool", {"1"}, "false"},
+    {"true", "iniBool", {"true"}, "false"},
+    {"TRUE", "iniBool", {"TRUE"}, "false"},
+    {"False", "iniBool", {"False"}, "false"},
+    {"empty", "iniBool", {""}, "false"},
+    {"blank before", "iniBool", {" True"}, "false"},
+    {"-10", "iniBool", {"-10"}, "false"},
+    {"first", "NextIniKey", {"1", "a,b,c", ","}, "a|3"},
+    {"middle", "NextIniKey", {"3", "a,b,c", ","}, "b|5"},
+    {"last", "NextIniKey", {"5", "a,b,c", ","}, "c|0"},
+    {"zero counts as one", "NextIniKey", {"0", "a,b", ","}, "a|3"},
+    {"negative counts as one", "NextIniKey", {"-5", "a,b", ","}, "a|3"},
+    {"leading blanks removed", "NextIniKey", {"1", "   lead, x", ","}, "lead|9"},
+    {"leading tab kept", "NextIniKey", {"1", "\tx,y", ","}, "\tx|4"},
+    {"trailing blanks kept", "NextIniKey", {"1", "x  ,y", ","}, "x  |5"},
+    {"separator at the end", "NextIniKey", {"1", "a,", ","}, "a|0"},
+    {"empty item", "NextIniKey", {"1", ",b", ","}, "|2"},
+    {"no separator", "NextIniKey", {"1", "abc", ","}, "abc|0"},
+    {"empty list", "NextIniKey", {"1", "", ","}, "|0"},
+    {"beyond the end", "NextIniKey", {"10", "a,b", ","}, "|0"},
+    {"long separator", "NextIniKey", {"7", "one - two - three", " - "}, "two|13"},
+    {"separator is exact in case", "NextIniKey", {"1", "aXbxc", "x"}, "aXb|5"},
+    {"empty separator", "NextIniKey", {"2", "abc", ""}, "bc|0"},
+    {"zero separated", "NextIniKey", {"11", "1 - Model^ 3 - Squelch^10 - Ten^", "^"}, "3 - Squelch|24"},
+    {"clean", "CleanIniText", {"abc"}, "abc|abc"},
+    {"tail of zeros tabs line ends blanks", "CleanIniText", {"abc \t\r\n^^"}, "abc|abc"},
+    {"inner zero", "CleanIniText", {"a^b"}, "a b|a b"},
+    {"tilde", "CleanIniText", {"a~b~"}, "a b|a b "},
+    {"leading blanks", "CleanIniText", {"  lead"}, "lead|  lead"},
+    {"leading tab stays", "CleanIniText", {"\tx"}, "\tx|\tx"},
+    {"inner line ends stay", "CleanIniText", {"a\r\nb\r\n"}, "a\r\nb|a\r\nb"},
+    {"tilde before tail", "CleanIniText", {"x~\t"}, "x|x "},
+    {"only zeros", "CleanIniText", {"^^"}, "|"},
+    {"with extension", "iniFileNameFor", {"/opt/varnel/VarnelUtil.exe"}, "VarnelUtil.INI"},
+    {"without extension", "iniFileNameFor", {"/usr/bin/varnel-utility"}, "varnel-utility.INI"},
+    {"cut at first point", "iniFileNameFor", {"/usr/bin/varnel.utility.bin"}, "varnel.INI"},
+    {"points in directory", "iniFileNameFor", {"/home/a.b/varnel"}, "varnel.INI"},
+};
+
+QString apply(const QString &rule, QStringList a)
+{
+    if (rule == u"iniBool")
+        return iniBool(a[0]) ? QStringLiteral("true") : QStringLiteral("false");
+    if (rule == u"NextIniKey") {
+        int position = a[0].toInt();
+        const QString item = NextIniKey(position, a[1], a[2]);
+        return item + u'|' + QString::number(position);
+    }
+    if (rule == u"CleanIniText")
+        return CleanIniText(a[0]) + u'|' + a[0];
+    return iniFileNameFor(a[0]);
+}
+} // namespace
 
 class IniFileTest : public QObject
 {
     Q_OBJECT
-
 private slots:
-    void init();
+    void reads_data() { addRows(kReads); }
+    void reads()
+    {
+        const Read &r = fetchRow(kReads);
+        QTemporaryDir dir;
+        const IniFile ini(dir.filePath(QStringLiteral("test.INI")));
+        QCOMPARE(ini.path(), dir.filePath(QStringLiteral("test.INI")));
+        if (r.file)
+            QVERIFY(writeBytes(ini.path(), r.file));
+        const QString key = QString::fromUtf8(r.key);
+        const QString section = key.contains(u'/') ? key.section(u'/', 0, 0) : QStringLiteral("Port_Phone");
+        const QString name = key.section(u'/', -1);
+        const QString call = QLatin1String(r.call);
+        QString result;
+        if (call == u"string")
+            result = ini.getString(section, name, QString::fromUtf8(r.defaultValue), r.buffer);
+        else if (call == u"int")
+            result = QString::number(ini.getInt(section, name, 99));
+        else if (call == u"has")
+            result = ini.hasKey(section, name) ? QStringLiteral("yes") : QStringLiteral("no");
+        else
+            result = ini.keys(section, r.buffer).join(u'|');
+        QCOMPARE(result, QString::fromUtf8(r.result));
+        QCOMPARE(QFile::exists(ini.path()), r.file != nullptr);
+    }
 
-    void missingFileGivesDefaultsAndCreatesNothing();
-    void getString_data();
-    void getString();
-    void getInt_data();
-    void getInt();
-    void hasKeySeesOnlyKeyLines();
-    void portSectionWithoutSettingsKey();
-    void keysListsKeyLinesInOrder();
-    void keysCutAtBuffer_data();
-    void keysCutAtBuffer();
+    void writes_data() { addRows(kWrites); }
+    void writes()
+    {
+        const Write &w = fetchRow(kWrites);
+        QTemporaryDir dir;
+        // A file in a folder not made yet: the write makes it.
+        IniFile ini(dir.filePath(QStringLiteral("config/deeper/test.INI")));
+        if (w.before)
+            QVERIFY(QDir().mkpath(dir.filePath(QStringLiteral("config/deeper"))) &&
+                    writeBytes(ini.path(), w.before));
+        for (const char *write : w.writes) {
+            const QStringList parts = zeros(write).split(u'|');
+            ini.writeString(parts[0], parts[1], parts[2]);
+        }
+        QCOMPARE(readBytes(ini.path()), QByteArray(w.after));
+        for (const char *read : w.readBack) {
+            const QStringList parts = QString::fromUtf8(read).split(u'|');
+            QCOMPARE(ini.getString(parts[0], parts[1], QStringLiteral("?")), parts[2]);
+        }
+        // The file was replaced whole: nothing is left beside it.
+        QCOMPARE(QDir(dir.filePath(QStringLiteral("config/deeper"))).entryList(QDir::Files | QDir::Hidden),
+                 QStringList{QStringLiteral("test.INI")});
+    }
 
-    void writeCreatesFileAndDirectory();
-    void writeReplacesOneValueAndKeepsTheRest();
-    void writeAddsKeyBehindLastKeyOfSection();
-    void writeAddsSectionAtEnd();
-    void writeKeepsCrlf();
-    void writeMatchesNamesWithoutRegardToCase();
-    void writeKeepsByteOrderMarkAndSingleByteText();
-    void valueCannotAddLineOrKey_data();
-    void valueCannotAddLineOrKey();
-    void keyAndSectionCannotAddLineOrKey();
+    void rules_data() { addRows(kRules); }
+    void rules()
+    {
+        const Rule &r = fetchRow(kRules);
+        QStringList args;
+        for (const char *arg : r.args)
+            args << zeros(arg);
+        QCOMPARE(apply(QLatin1String(r.rule), args), zeros(r.result));
+    }
 
-    void cannotCommitLeavesOldFileWhole();
-    void readOnlyDirectoryLeavesOldFileWhole();
-    void writeLeavesNoTemporaryFiles();
-    void writeToDirectoryPathChangesNothing();
+    void trueReadsBackAsTrue()
+    {
+        QVERIFY(iniBool(iniBoolText(true)));
+        QCOMPARE(iniBoolText(false), QStringLiteral("False"));
+    }
 
-    void iniBool_data();
-    void iniBool();
-    void iniBoolTextRoundTrips();
-    void nextIniKey_data();
-    void nextIniKey();
-    void nextIniKeyWalksZeroSeparatedList();
-    void cleanIniText_data();
-    void cleanIniText();
-    void iniFileNameFor_data();
-    void iniFileNameFor();
-    void getIniFileNameFollowsConfigHome();
-
-private:
-    QString filePath(const QString &name = QStringLiteral("test.INI")) const { return m_dir->filePath(name); }
-    static void writeBytes(const QString &path, const QByteArray &bytes);
-    static QByteArray readBytes(const QString &path);
-
-    std::unique_ptr<QTemporaryDir> m_dir;
+    void fileNameFollowsTheConfigHome()
+    {
+        QTemporaryDir dir;
+        const QByteArray saved = qgetenv("XDG_CONFIG_HOME");
+        const QString fallback = QDir::homePath() + QStringLiteral("/.config/IniFileTest.INI");
+        qputenv("XDG_CONFIG_HOME", dir.path().toLocal8Bit());
+        QCOMPARE(GetIniFileName(), dir.path() + QStringLiteral("/IniFileTest.INI"));
+        qputenv("XDG_CONFIG_HOME", "relative/dir");
+        QCOMPARE(GetIniFileName(), fallback);
+        qunsetenv("XDG_CONFIG_HOME");
+        QCOMPARE(GetIniFileName(), fallback);
+        qputenv("XDG_CONFIG_HOME", saved);
+    }
 };
-
-void IniFileTest::init()
-{
-    m_dir = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_dir->isValid());
-}
-
-void IniFileTest::writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
-
-QByteArray IniFileTest::readBytes(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return QByteArray();
-    return file.readAll();
-}
-
-void IniFileTest::missingFileGivesDefaultsAndCreatesNothing()
-{
-    const IniFile ini(filePath());
-    QCOMPARE(ini.path(), filePath());
-    QCOMPARE(ini.getString(u"Application"_s, u"Hide Intro"_s, u"False"_s, 10), u"False"_s);
-    QCOMPARE(ini.getInt(u"Application"_s, u"Zmodem Options"_s, 7), 7);
-    QVERIFY(!ini.hasKey(u"Application"_s, u"Hide Intro"_s));
-    QVERIFY(ini.keys(u"Application"_s).isEmpty());
-    QVERIFY(!QFile::exists(filePath()));
-}
-
-void IniFileTest::getString_data()
-{
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("defaultValue");
-    QTest::addColumn<int>("bufferSize");
-    QTest::addColumn<QString>("expected");
-
-    // Every row asks section "Port_Phone".
-    QTest::newRow("plain") << QByteArray("[Port_Phone]\nSettings=9600,n,8,1\n") << u"Settings"_s << QString()
-                           << 20 << u"9600,n,8,1"_s;
-    QTest::newRow("names without regard to case") << QByteArray("[PORT_phone]\nsettings=1200,e,7,1\n")
-                                                  << u"SETTINGS"_s << QString() << 20 << u"1200,e,7,1"_s;
-    QTest::newRow("blanks around name and value")
-        << QByteArray("[ Port_Phone ]\n  Settings  =  4800,n,8,1  \n") << u"Settings"_s << QString() << 20
-        << u"4800,n,8,1"_s;
-    QTest::newRow("double quotes dropped") << QByteArray("[Port_Phone]\nFontName=\"Courier New\"\n")
-                                           << u"FontName"_s << QString() << 256 << u"Courier New"_s;
-    QTest::newRow("single quotes dropped") << QByteArray("[Port_Phone]\nFontName='Terminal'\n")
-                                           << u"FontName"_s << QString() << 256 << u"Terminal"_s;
-    QTest::newRow("unmatched quotes kept") << QByteArray("[Port_Phone]\nFontName=\"Courier'\n")
-                                           << u"FontName"_s << QString() << 256 << u"\"Courier'"_s;
-    QTest::newRow("value holding =") << QByteArray("[Port_Phone]\nA=b=c\n") << u"A"_s << QString() << 256
-                                     << u"b=c"_s;
-    QTest::newRow("empty value is no default")
-        << QByteArray("[Port_Phone]\nSettings=\n") << u"Settings"_s << u"x"_s << 20 << QString();
-    QTest::newRow("missing key") << QByteArray("[Port_Phone]\nComm Port=1\n") << u"Settings"_s << u"dflt"_s
-                                 << 20 << u"dflt"_s;
-    QTest::newRow("key of another section")
-        << QByteArray("[Terminal_Phone]\nSettings=9600,n,8,1\n[Port_Phone]\nComm Port=1\n") << u"Settings"_s
-        << u"dflt"_s << 20 << u"dflt"_s;
-    QTest::newRow("missing section") << QByteArray("[Application]\nSettings=1\n") << u"Settings"_s
-                                     << u"dflt"_s << 20 << u"dflt"_s;
-    QTest::newRow("default loses trailing blanks")
-        << QByteArray() << u"Settings"_s << u"abc   "_s << 20 << u"abc"_s;
-    QTest::newRow("value cut at buffer") << QByteArray("[Port_Phone]\nSettings=115200,n,8,1,extra,extra\n")
-                                         << u"Settings"_s << QString() << 20 << u"115200,n,8,1,extra,"_s;
-    QTest::newRow("buffer 4 holds 3")
-        << QByteArray("[Port_Phone]\nComm Port=1234\n") << u"Comm Port"_s << QString() << 4 << u"123"_s;
-    QTest::newRow("default cut at buffer")
-        << QByteArray() << u"Settings"_s << u"defaulted"_s << 4 << u"def"_s;
-    QTest::newRow("buffer of one holds nothing")
-        << QByteArray("[Port_Phone]\nComm Port=1\n") << u"Comm Port"_s << QString() << 1 << QString();
-    QTest::newRow("buffer of zero holds nothing")
-        << QByteArray("[Port_Phone]\nComm Port=1\n") << u"Comm Port"_s << u"x"_s << 0 << QString();
-    QTest::newRow("comment is no key") << QByteArray("[Port_Phone]\n;Settings=2400,n,8,1\n") << u"Settings"_s
-                                       << u"dflt"_s << 20 << u"dflt"_s;
-    QTest::newRow("line without = is no key")
-        << QByteArray("[Port_Phone]\nSettings\n") << u"Settings"_s << u"dflt"_s << 20 << u"dflt"_s;
-    QTest::newRow("first of two keys")
-        << QByteArray("[Port_Phone]\nSettings=1\nsettings=2\n") << u"Settings"_s << QString() << 20 << u"1"_s;
-    QTest::newRow("first of two sections")
-        << QByteArray("[Port_Phone]\nSettings=1\n[port_phone]\nSettings=2\n") << u"Settings"_s << QString()
-        << 20 << u"1"_s;
-    QTest::newRow("crlf") << QByteArray("[Port_Phone]\r\nSettings=9600,n,8,1\r\n") << u"Settings"_s
-                          << QString() << 20 << u"9600,n,8,1"_s;
-    QTest::newRow("last line without line end") << QByteArray("[Port_Phone]\r\nSettings=9600,n,8,1")
-                                                << u"Settings"_s << QString() << 20 << u"9600,n,8,1"_s;
-    QTest::newRow("byte order mark") << QByteArray("\xEF\xBB\xBF[Port_Phone]\nSettings=1\n") << u"Settings"_s
-                                     << QString() << 20 << u"1"_s;
-    QTest::newRow("utf-8") << QByteArray("[Port_Phone]\nFontName=Caf\xC3\xA9\n") << u"FontName"_s << QString()
-                           << 256 << u"Caf\u00e9"_s;
-    QTest::newRow("single-byte text") << QByteArray("[Port_Phone]\nFontName=Caf\xE9\n") << u"FontName"_s
-                                      << QString() << 256 << u"Caf\u00e9"_s;
-}
-
-void IniFileTest::getString()
-{
-    QFETCH(QByteArray, file);
-    QFETCH(QString, key);
-    QFETCH(QString, defaultValue);
-    QFETCH(int, bufferSize);
-    QFETCH(QString, expected);
-
-    if (!file.isEmpty())
-        writeBytes(filePath(), file);
-    const IniFile ini(filePath());
-    QCOMPARE(ini.getString(u"Port_Phone"_s, key, defaultValue, bufferSize), expected);
-}
-
-void IniFileTest::getInt_data()
-{
-    QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<int>("expected");
-
-    QTest::newRow("number") << QByteArray("Handshaking=2") << 2;
-    QTest::newRow("leading blanks") << QByteArray("Handshaking=   17") << 17;
-    QTest::newRow("negative") << QByteArray("Handshaking=-3") << -3;
-    QTest::newRow("plus sign") << QByteArray("Handshaking=+5") << 5;
-    QTest::newRow("number at front") << QByteArray("Handshaking=12abc") << 12;
-    QTest::newRow("no number") << QByteArray("Handshaking=abc") << 0;
-    QTest::newRow("empty") << QByteArray("Handshaking=") << 0;
-    QTest::newRow("quoted") << QByteArray("Handshaking=\"42\"") << 42;
-    QTest::newRow("too large") << QByteArray("Handshaking=99999999999999") << std::numeric_limits<int>::max();
-    QTest::newRow("too small") << QByteArray("Handshaking=-99999999999999")
-                               << std::numeric_limits<int>::min();
-    QTest::newRow("missing") << QByteArray("Comm Port=1") << 99;
-}
-
-void IniFileTest::getInt()
-{
-    QFETCH(QByteArray, line);
-    QFETCH(int, expected);
-
-    writeBytes(filePath(), "[Port_Phone]\n" + line + "\n");
-    QCOMPARE(IniFile(filePath()).getInt(u"Port_Phone"_s, u"Handshaking"_s, 99), expected);
-}
-
-void IniFileTest::hasKeySeesOnlyKeyLines()
-{
-    writeBytes(filePath(), "[Port_Phone]\nComm Port=\n; Settings=9600\nDTREnable\n[Other]\nRTSEnable=True\n");
-    const IniFile ini(filePath());
-    QVERIFY(ini.hasKey(u"Port_Phone"_s, u"Comm Port"_s));
-    QVERIFY(ini.hasKey(u"port_phone"_s, u"COMM PORT"_s));
-    QVERIFY(!ini.hasKey(u"Port_Phone"_s, u"Settings"_s));
-    QVERIFY(!ini.hasKey(u"Port_Phone"_s, u"DTREnable"_s));
-    QVERIFY(!ini.hasKey(u"Port_Phone"_s, u"RTSEnable"_s));
-    QVERIFY(ini.hasKey(u"Other"_s, u"RTSEnable"_s));
-}
-
-void IniFileTest::portSectionWithoutSettingsKey()
-{
-    // The port loader stops at the first missing key: here Settings, although Comm Port is there.
-    writeBytes(filePath(), "[Port_Phone]\r\nComm Port=2\r\nDTREnable=True\r\n");
-    const IniFile ini(filePath());
-    QVERIFY(ini.hasKey(u"Port_Phone"_s, u"Comm Port"_s));
-    QVERIFY(!ini.hasKey(u"Port_Phone"_s, u"Settings"_s));
-    QVERIFY(ini.hasKey(u"Port_Phone"_s, u"DTREnable"_s));
-    QCOMPARE(ini.getString(u"Port_Phone"_s, u"Settings"_s, QString(), 20), QString());
-
-    writeBytes(filePath(), QByteArray());
-    QVERIFY(!ini.hasKey(u"Port_Phone"_s, u"Comm Port"_s));
-}
-
-void IniFileTest::keysListsKeyLinesInOrder()
-{
-    writeBytes(filePath(), "[Application]\nx=1\n[Button Assignments]\r\n; note\r\n3 - Squelch=sq~\r\n\r\n"
-                           "junk line\r\n  1 - Model = model~\r\n[Port_Phone]\r\nComm Port=1\r\n");
-    const IniFile ini(filePath());
-    QCOMPARE(ini.keys(u"button assignments"_s), (QStringList{u"3 - Squelch"_s, u"1 - Model"_s}));
-    QVERIFY(ini.keys(u"Missing"_s).isEmpty());
-}
-
-void IniFileTest::keysCutAtBuffer_data()
-{
-    QTest::addColumn<int>("bufferSize");
-    QTest::addColumn<QStringList>("expected");
-
-    // The list "abc\0defgh\0\0" takes 11 characters.
-    QTest::newRow("fits exactly") << 11 << QStringList{u"abc"_s, u"defgh"_s};
-    QTest::newRow("one short cuts the last key") << 10 << QStringList{u"abc"_s, u"defg"_s};
-    QTest::newRow("room for one character of the last") << 7 << QStringList{u"abc"_s, u"d"_s};
-    QTest::newRow("last key gone") << 6 << QStringList{u"abc"_s};
-    QTest::newRow("first key cut") << 3 << QStringList{u"a"_s};
-    QTest::newRow("no room") << 2 << QStringList();
-}
-
-void IniFileTest::keysCutAtBuffer()
-{
-    QFETCH(int, bufferSize);
-    QFETCH(QStringList, expected);
-
-    writeBytes(filePath(), "[S]\nabc=1\ndefgh=2\n");
-    QCOMPARE(IniFile(filePath()).keys(u"S"_s, bufferSize), expected);
-}
-
-void IniFileTest::writeCreatesFileAndDirectory()
-{
-    const QString path = m_dir->filePath(u"config/deeper/varnel-utility.INI"_s);
-    IniFile ini(path);
-    ini.writeString(u"Port_Phone"_s, u"Comm Port"_s, u"2"_s);
-    QCOMPARE(readBytes(path), QByteArray("[Port_Phone]\nComm Port=2\n"));
-    ini.writeString(u"Port_Phone"_s, u"Settings"_s, u"9600,n,8,1"_s);
-    QCOMPARE(readBytes(path), QByteArray("[Port_Phone]\nComm Port=2\nSettings=9600,n,8,1\n"));
-    QCOMPARE(ini.getString(u"Port_Phone"_s, u"Settings"_s, QString(), 20), u"9600,n,8,1"_s);
-}
-
-void IniFileTest::writeReplacesOneValueAndKeepsTheRest()
-{
-    const QByteArray before("; settings of the utility\n"
-                            "[Application]\n"
-                            "Hide Intro = False   ; set by hand\n"
-                            "Odd line without equals\n"
-                            "\n"
-                            "[Port_Phone]\n"
-                            "  Comm Port=1\n"
-                            "Settings=\"9600,n,8,1\"\n");
-    writeBytes(filePath(), before);
-    IniFile ini(filePath());
-    ini.writeString(u"Port_Phone"_s, u"Comm Port"_s, u"3"_s);
-    QCOMPARE(readBytes(filePath()), QByteArray("; settings of the utility\n"
-                                               "[Application]\n"
-                                               "Hide Intro = False   ; set by hand\n"
-                                               "Odd line without equals\n"
-                                               "\n"
-                                               "[Port_Phone]\n"
-                                               "Comm Port=3\n"
-                                               "Settings=\"9600,n,8,1\"\n"));
-    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
-    QCOMPARE(readBytes(filePath()), QByteArray("; settings of the utility\n"
-                                               "[Application]\n"
-                                               "Hide Intro=True\n"
-                                               "Odd line without equals\n"
-                                               "\n"
-                                               "[Port_Phone]\n"
-                                               "Comm Port=3\n"
-                                               "Settings=\"9600,n,8,1\"\n"));
-}
-
-void IniFileTest::writeAddsKeyBehindLastKeyOfSection()
-{
-    writeBytes(filePath(), "[Application]\n"
-                           "Hide Intro=True\n"
-                           "; a note at the end of the section\n"
-                           "\n"
-                           "; about the port\n"
-                           "[Port_Phone]\n"
-                           "Comm Port=1\n");
-    IniFile ini(filePath());
-    ini.writeString(u"Application"_s, u"Hide Diag"_s, u"True"_s);
-    ini.writeString(u"Empty"_s, u"First"_s, u"1"_s);
-    writeBytes(filePath(), readBytes(filePath()) + "[Bare]\n\n[Last]\n");
-    ini.writeString(u"Bare"_s, u"Only"_s, u"x"_s);
-    QCOMPARE(readBytes(filePath()), QByteArray("[Application]\n"
-                                               "Hide Intro=True\n"
-                                               "Hide Diag=True\n"
-                                               "; a note at the end of the section\n"
-                                               "\n"
-                                               "; about the port\n"
-                                               "[Port_Phone]\n"
-                                               "Comm Port=1\n"
-                                               "\n"
-                                               "[Empty]\n"
-                                               "First=1\n"
-                                               "[Bare]\n"
-                                               "Only=x\n"
-                                               "\n"
-                                               "[Last]\n"));
-}
-
-void IniFileTest::writeAddsSectionAtEnd()
-{
-    writeBytes(filePath(), "[Application]\nHide Intro=True");
-    IniFile ini(filePath());
-    ini.writeString(u"Port_Phone"_s, u"Comm Port"_s, u"1"_s);
-    QCOMPARE(readBytes(filePath()),
-             QByteArray("[Application]\nHide Intro=True\n\n[Port_Phone]\nComm Port=1\n"));
-
-    writeBytes(filePath(), "[Application]\nHide Intro=True\n\n");
-    ini.writeString(u"Port_Phone"_s, u"Comm Port"_s, u"1"_s);
-    QCOMPARE(readBytes(filePath()),
-             QByteArray("[Application]\nHide Intro=True\n\n[Port_Phone]\nComm Port=1\n"));
-}
-
-void IniFileTest::writeKeepsCrlf()
-{
-    writeBytes(filePath(), "[Application]\r\nHide Intro=False\r\n[Port_Phone]\r\nComm Port=1");
-    IniFile ini(filePath());
-    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
-    ini.writeString(u"Port_Phone"_s, u"Settings"_s, u"9600,n,8,1"_s);
-    ini.writeString(u"Terminal_Phone"_s, u"Rows"_s, u"25"_s);
-    QCOMPARE(readBytes(filePath()),
-             QByteArray("[Application]\r\nHide Intro=True\r\n[Port_Phone]\r\nComm Port=1\r\n"
-                        "Settings=9600,n,8,1\r\n\r\n[Terminal_Phone]\r\nRows=25\r\n"));
-    QCOMPARE(ini.getString(u"PORT_PHONE"_s, u"comm port"_s, QString(), 4), u"1"_s);
-}
-
-void IniFileTest::writeMatchesNamesWithoutRegardToCase()
-{
-    writeBytes(filePath(), "[application]\r\nhide intro=False\r\n");
-    IniFile ini(filePath());
-    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"-1"_s);
-    QCOMPARE(readBytes(filePath()), QByteArray("[application]\r\nhide intro=-1\r\n"));
-    QCOMPARE(ini.keys(u"APPLICATION"_s), QStringList{u"hide intro"_s});
-}
-
-void IniFileTest::writeKeepsByteOrderMarkAndSingleByteText()
-{
-    writeBytes(filePath(), "\xEF\xBB\xBF[Terminal_Phone]\nFontName=Caf\xC3\xA9\n");
-    IniFile ini(filePath());
-    ini.writeString(u"Terminal_Phone"_s, u"Rows"_s, u"25"_s);
-    QCOMPARE(readBytes(filePath()),
-             QByteArray("\xEF\xBB\xBF[Terminal_Phone]\nFontName=Caf\xC3\xA9\nRows=25\n"));
-
-    // A file of single bytes that is no UTF-8 goes back in single bytes, so its other lines don't change.
-    writeBytes(filePath(), "; r\xE9glages\n[Terminal_Phone]\nFontName=Caf\xE9\n");
-    ini.writeString(u"Terminal_Phone"_s, u"Rows"_s, u"25"_s);
-    QCOMPARE(readBytes(filePath()),
-             QByteArray("; r\xE9glages\n[Terminal_Phone]\nFontName=Caf\xE9\nRows=25\n"));
-}
-
-void IniFileTest::valueCannotAddLineOrKey_data()
-{
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("readBack");
-
-    QTest::newRow("line feed") << u"a\nInjected=1"_s << u"aInjected=1"_s;
-    QTest::newRow("carriage return and line feed") << u"a\r\nInjected=1\r\n"_s << u"aInjected=1"_s;
-    QTest::newRow("carriage return") << u"x\r[Evil]\rEvil=1"_s << u"x[Evil]Evil=1"_s;
-    QTest::newRow("other line breaks") << u"p\u2028q\u2029r\u0085s\vt\fu"_s << u"pqrstu"_s;
-    QTest::newRow("zero ends the text") << QStringLiteral("ab") + QChar(0) + u"\nInjected=1"_s << u"ab"_s;
-}
-
-void IniFileTest::valueCannotAddLineOrKey()
-{
-    QFETCH(QString, value);
-    QFETCH(QString, readBack);
-
-    writeBytes(filePath(), "[Button Assignments]\n1 - Model=model~\n");
-    IniFile ini(filePath());
-    ini.writeString(u"Button Assignments"_s, u"2 - Test"_s, value);
-    QCOMPARE(ini.keys(u"Button Assignments"_s), (QStringList{u"1 - Model"_s, u"2 - Test"_s}));
-    QVERIFY(!ini.hasKey(u"Evil"_s, u"Evil"_s));
-    QCOMPARE(ini.getString(u"Button Assignments"_s, u"2 - Test"_s, QString()), readBack);
-    QCOMPARE(readBytes(filePath()).count('\n'), 3);
-}
-
-void IniFileTest::keyAndSectionCannotAddLineOrKey()
-{
-    IniFile ini(filePath());
-    ini.writeString(u"Button Assignments"_s, u"4 - a=b\nInjected"_s, u"x"_s);
-    ini.writeString(u"Button Assignments"_s, u"[Evil]"_s, u"y"_s);
-    ini.writeString(u"Button Assignments"_s, u";hidden"_s, u"z"_s);
-    ini.writeString(u"A\n[B]"_s, u"k"_s, u"v"_s);
-    ini.writeString(u"Button Assignments"_s, u"\r\n"_s, u"nothing"_s);
-    QCOMPARE(readBytes(filePath()),
-             QByteArray("[Button Assignments]\n4 - abInjected=x\nEvil]=y\nhidden=z\n\n[A[B]]\nk=v\n"));
-    // Reads clean the names the same way, so what was written is found again.
-    QCOMPARE(ini.getString(u"Button Assignments"_s, u"4 - a=b\nInjected"_s, QString()), u"x"_s);
-    QCOMPARE(ini.getString(u"Button Assignments"_s, u"[Evil]"_s, QString()), u"y"_s);
-    QCOMPARE(ini.getString(u"A\n[B]"_s, u"k"_s, QString()), u"v"_s);
-}
-
-void IniFileTest::cannotCommitLeavesOldFileWhole()
-{
-    // The longest name a directory takes leaves no room for the name of a temporary file beside it, so
-    // the new content cannot be put in place.
-    const QString path = filePath(QString(251, u'v') + u".INI"_s);
-    const QByteArray before("[Application]\r\nHide Intro=False\r\n");
-    writeBytes(path, before);
-    IniFile ini(path);
-    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
-    QCOMPARE(readBytes(path), before);
-    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden),
-             QStringList{QFileInfo(path).fileName()});
-    QCOMPARE(ini.getString(u"Application"_s, u"Hide Intro"_s, QString(), 10), u"False"_s);
-}
-
-void IniFileTest::readOnlyDirectoryLeavesOldFileWhole()
-{
-    if (geteuid() == 0)
-        QSKIP("permissions don't hold the superuser back");
-    const QByteArray before("[Application]\nHide Intro=False\n");
-    writeBytes(filePath(), before);
-    QVERIFY(QFile::setPermissions(m_dir->path(), QFile::ReadOwner | QFile::ExeOwner));
-    IniFile ini(filePath());
-    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
-    const QByteArray after = readBytes(filePath());
-    QVERIFY(QFile::setPermissions(m_dir->path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    QCOMPARE(after, before);
-}
-
-void IniFileTest::writeLeavesNoTemporaryFiles()
-{
-    IniFile ini(filePath());
-    for (int i = 0; i < 5; ++i)
-        ini.writeString(u"Application"_s, u"Zmodem Options"_s, QString::number(i));
-    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList{u"test.INI"_s});
-    QCOMPARE(ini.getInt(u"Application"_s, u"Zmodem Options"_s, -1), 4);
-}
-
-void IniFileTest::writeToDirectoryPathChangesNothing()
-{
-    QVERIFY(QDir(m_dir->path()).mkdir(u"taken.INI"_s));
-    IniFile ini(filePath(u"taken.INI"_s));
-    ini.writeString(u"Application"_s, u"Hide Intro"_s, u"True"_s);
-    QVERIFY(QFileInfo(filePath(u"taken.INI"_s)).isDir());
-    QCOMPARE(QDir(m_dir->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
-             QStringList{u"taken.INI"_s});
-    QCOMPARE(ini.getString(u"Application"_s, u"Hide Intro"_s, u"False"_s, 10), u"False"_s);
-}
-
-void IniFileTest::iniBool_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("expected");
-
-    QTest::newRow("True") << u"True"_s << true;
-    QTest::newRow("-1") << u"-1"_s << true;
-    QTest::newRow("1") << u"1"_s << false;
-    QTest::newRow("true") << u"true"_s << false;
-    QTest::newRow("TRUE") << u"TRUE"_s << false;
-    QTest::newRow("False") << u"False"_s << false;
-    QTest::newRow("Yes") << u"Yes"_s << false;
-    QTest::newRow("empty") << QString() << false;
-    QTest::newRow("blank before") << u" True"_s << false;
-    QTest::newRow("-10") << u"-10"_s << false;
-}
-
-void IniFileTest::iniBool()
-{
-    QFETCH(QString, text);
-    QFETCH(bool, expected);
-    QCOMPARE(::iniBool(text), expected);
-}
-
-void IniFileTest::iniBoolTextRoundTrips()
-{
-    QCOMPARE(iniBoolText(true), u"True"_s);
-    QCOMPARE(iniBoolText(false), u"False"_s);
-    QVERIFY(::iniBool(iniBoolText(true)));
-    QVERIFY(!::iniBool(iniBoolText(false)));
-}
-
-void IniFileTest::nextIniKey_data()
-{
-    QTest::addColumn<int>("position");
-    QTest::addColumn<QString>("list");
-    QTest::addColumn<QString>("separator");
-    QTest::addColumn<QString>("item");
-    QTest::addColumn<int>("positionAfter");
-
-    QTest::newRow("first") << 1 << u"a,b,c"_s << u","_s << u"a"_s << 3;
-    QTest::newRow("middle") << 3 << u"a,b,c"_s << u","_s << u"b"_s << 5;
-    QTest::newRow("last") << 5 << u"a,b,c"_s << u","_s << u"c"_s << 0;
-    QTest::newRow("zero counts as one") << 0 << u"a,b"_s << u","_s << u"a"_s << 3;
-    QTest::newRow("negative counts as one") << -5 << u"a,b"_s << u","_s << u"a"_s << 3;
-    QTest::newRow("leading blanks removed") << 1 << u"   lead, x"_s << u","_s << u"lead"_s << 9;
-    QTest::newRow("leading tab kept") << 1 << u"\tx,y"_s << u","_s << u"\tx"_s << 4;
-    QTest::newRow("trailing blanks kept") << 1 << u"x  ,y"_s << u","_s << u"x  "_s << 5;
-    QTest::newRow("separator at the end") << 1 << u"a,"_s << u","_s << u"a"_s << 0;
-    QTest::newRow("empty item") << 1 << u",b"_s << u","_s << QString() << 2;
-    QTest::newRow("no separator") << 1 << u"abc"_s << u","_s << u"abc"_s << 0;
-    QTest::newRow("empty list") << 1 << QString() << u","_s << QString() << 0;
-    QTest::newRow("beyond the end") << 10 << u"a,b"_s << u","_s << QString() << 0;
-    QTest::newRow("long separator 1") << 1 << u"one - two - three"_s << u" - "_s << u"one"_s << 7;
-    QTest::newRow("long separator 2") << 7 << u"one - two - three"_s << u" - "_s << u"two"_s << 13;
-    QTest::newRow("long separator 3") << 13 << u"one - two - three"_s << u" - "_s << u"three"_s << 0;
-    QTest::newRow("separator is exact in case") << 1 << u"aXbxc"_s << u"x"_s << u"aXb"_s << 5;
-    QTest::newRow("empty separator") << 2 << u"abc"_s << QString() << u"bc"_s << 0;
-}
-
-void IniFileTest::nextIniKey()
-{
-    QFETCH(int, position);
-    QFETCH(QString, list);
-    QFETCH(QString, separator);
-    QFETCH(QString, item);
-    QFETCH(int, positionAfter);
-
-    QCOMPARE(NextIniKey(position, list, separator), item);
-    QCOMPARE(position, positionAfter);
-}
-
-void IniFileTest::nextIniKeyWalksZeroSeparatedList()
-{
-    const QString zero(QChar(0));
-    const QString list = u"1 - Model"_s + zero + u" 3 - Squelch"_s + zero + u"10 - Ten"_s + zero;
-    QStringList items;
-    int position = 1;
-    do {
-        items << NextIniKey(position, list, zero);
-    } while (position > 0 && items.size() < 10);
-    QCOMPARE(items, (QStringList{u"1 - Model"_s, u"3 - Squelch"_s, u"10 - Ten"_s}));
-}
-
-void IniFileTest::cleanIniText_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("textAfter");
-    QTest::addColumn<QString>("result");
-
-    const QString zero(QChar(0));
-    QTest::newRow("clean") << u"abc"_s << u"abc"_s << u"abc"_s;
-    QTest::newRow("tail of zeros tabs line ends blanks")
-        << u"abc \t\r\n"_s + zero + zero << u"abc"_s << u"abc"_s;
-    QTest::newRow("inner zero") << u"a"_s + zero + u"b"_s << u"a b"_s << u"a b"_s;
-    QTest::newRow("tilde") << u"a~b~"_s << u"a b "_s << u"a b"_s;
-    QTest::newRow("leading blanks") << u"  lead"_s << u"  lead"_s << u"lead"_s;
-    QTest::newRow("leading tab stays") << u"\tx"_s << u"\tx"_s << u"\tx"_s;
-    QTest::newRow("inner line ends stay") << u"a\r\nb\r\n"_s << u"a\r\nb"_s << u"a\r\nb"_s;
-    QTest::newRow("tilde before tail") << u"x~\t"_s << u"x "_s << u"x"_s;
-    QTest::newRow("only zeros") << zero + zero << QString() << QString();
-    QTest::newRow("empty") << QString() << QString() << QString();
-}
-
-void IniFileTest::cleanIniText()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, textAfter);
-    QFETCH(QString, result);
-
-    QCOMPARE(CleanIniText(text), result);
-    QCOMPARE(text, textAfter);
-}
-
-void IniFileTest::iniFileNameFor_data()
-{
-    QTest::addColumn<QString>("program");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("with extension") << u"/opt/varnel/VarnelUtil.exe"_s << u"VarnelUtil.INI"_s;
-    QTest::newRow("without extension") << u"/usr/bin/varnel-utility"_s << u"varnel-utility.INI"_s;
-    QTest::newRow("cut at first point") << u"/usr/bin/varnel.utility.bin"_s << u"varnel.INI"_s;
-    QTest::newRow("points in directory") << u"/home/a.b/varnel"_s << u"varnel.INI"_s;
-}
-
-void IniFileTest::iniFileNameFor()
-{
-    QFETCH(QString, program);
-    QFETCH(QString, expected);
-    QCOMPARE(::iniFileNameFor(program), expected);
-}
-
-void IniFileTest::getIniFileNameFollowsConfigHome()
-{
-    const QByteArray saved = qgetenv("XDG_CONFIG_HOME");
-    const QString home = QDir::homePath();
-
-    qputenv("XDG_CONFIG_HOME", m_dir->path().toLocal8Bit());
-    const QString inConfigHome = GetIniFileName();
-    qputenv("XDG_CONFIG_HOME", "relative/dir");
-    const QString relativeIgnored = GetIniFileName();
-    qunsetenv("XDG_CONFIG_HOME");
-    const QString unset = GetIniFileName();
-    qputenv("XDG_CONFIG_HOME", saved);
-
-    QCOMPARE(inConfigHome, m_dir->path() + u"/IniFileTest.INI"_s);
-    QCOMPARE(relativeIgnored, home + u"/.config/IniFileTest.INI"_s);
-    QCOMPARE(unset, home + u"/.config/IniFileTest.INI"_s);
-}
 
 QTEST_GUILESS_MAIN(IniFileTest)
 #include "IniFileTest.moc"

@@ -1,854 +1,445 @@
 #include "ModemParams.h"
-#include "AppError.h"
-#include "MemoryCommControl.h"
-#include "ModemSession.h"
-#include "ScriptedModem.h"
-#include "ScriptedPrompts.h"
+
 #include "SessionRig.h"
 #include "SimulatedModemLink.h"
+#include "Tables.h"
 #include "TextRules.h"
-#include "TimeSource.h"
-
-#include <QTest>
 
 #include <functional>
-#include <map>
 
 namespace {
-
-// Bytes as the transcripts show them, with the carriage return as "\r".
-QString shownBytes(const QByteArray &bytes)
+// Each reader, its results joined by "|" in the order of its arguments; the commands it sends; what
+// it gives from the well-formed replies below and from a modem that fails it, with the standard
+// boxes that failure costs; whether it always sends in one write, adaptor or not; whether it awaits
+// more bytes than a refusal holds.
+struct Reader
 {
-    return QString::fromLatin1(bytes).replace(QStringLiteral("\r"), QStringLiteral("\\r"));
-}
-
-struct Rig : SessionRig
-{
-    // The screen that calls a reader owns the port.
-    Rig() : SessionRig(CommControl::kAutoProcessProgram) {}
-
-    // The writes, each as "ms:bytes" with the carriage return shown as "\r".
-    QStringList transcript() const { return SessionRig::transcript(shownBytes); }
-
-    QStringList writes() const
-    {
-        QStringList list;
-        for (const QByteArray &w : port.writes())
-            list << shownBytes(w);
-        return list;
-    }
-
-    QList<qint64> boxTimes() const
-    {
-        QList<qint64> times;
-        for (const auto &shown : prompts.shown())
-            times << shown.atMs;
-        return times;
-    }
-
-    // Expects count standard error boxes for a value that could not be cut.
-    void expectCutFailures(int count)
-    {
-        for (int i = 0; i < count; ++i)
-            prompts.expectMsgBox(appErrorText(AppErrors::invalidProcedureCall()))
-                .withIcon(MsgIcon::Critical)
-                .withButtons(MsgButtons::OkOnly);
-    }
+    const char *name;
+    const char *commands;
+    const char *wellFormed;
+    const char *failed;
+    int boxes;
+    bool oneWrite;
+    bool awaitsList = false;
 };
 
-// A session on the simulated modem, its scenario adjusted before the link comes up.
-struct SimRig
-{
-    sim::SimulatedModemLink link;
-    ScriptedPrompts prompts{&link.time()};
-    ModemSession session{link.port(), link.time(), prompts};
-
-    explicit SimRig(const sim::Scenario &scenario = sim::Scenario::standard()) : link(scenario)
-    {
-        link.port().clearEvents();
-    }
-
-    QString truth(const char *command) { return link.local().value(QString::fromLatin1(command)); }
-
-    QStringList writes()
-    {
-        QStringList list;
-        for (const QByteArray &w : link.port().writes())
-            list << shownBytes(w);
-        return list;
-    }
-
-    void expectCutFailures(int count)
-    {
-        for (int i = 0; i < count; ++i)
-            prompts.expectMsgBox(appErrorText(AppErrors::invalidProcedureCall())).withIcon(MsgIcon::Critical);
-    }
+const Reader kReaders[] = {
+    {"ReadModelInfo", "Model\\r | Option\\r | Version\\r", "Q4U|3.10|34", "||", 3, true},
+    {"ReadSquelch", "Squelch\\r", "30", "0", 1, false},
+    {"ReadAsquelch", "asquelch\\r", "12", "0", 1, false},
+    {"ReadSerialNumber", "s/n\\r", "12345", "", 1, false},
+    {"ReadNetworkId", "net\\r", "37", "", 1, false},
+    {"ReadRoutes", "route\\r | append\\r", "ROUTE 1  40,41,12|ROUTE 3  50,60|APPEND 1  90,91", "", 0, false,
+     true},
+    {"ReadConfiguration", "add\\r | setc\\r | asquelch\\r | rflow\\r | rxmark\\r | rfp\\r | comrate\\r",
+     "12|40,41,12|12|ON|5|41|1", "||||||", 7, true},
+    {"ReadInout", "inout 0,5\\r", "true", "false", 1, false, true},
+    {"ReadRadioTiming", "datarate\\r | rxd\\r | txf\\r | txe\\r | frack\\r", "64|3|2|2|60", "||||", 5, true},
+    {"ReadLatches", "sel/a1\\r | sel/n1\\r | sel/n2\\r | squelch\\r", "56|76|958|30", "0|0|0|0", 4, false},
 };
 
-sim::Scenario scenarioWith(const QMap<QString, QString> &settings)
-{
-    sim::Scenario scenario = sim::Scenario::standard();
-    scenario.modems[0].settings = settings;
-    return scenario;
-}
+// The modem echoes each command and its carriage return before the value line and the prompt. The
+// longer command comes first where one holds another ("asquelch" holds "squelch").
+const char *const kReplies[][2] = {
+    // Without the echo: the version's line end is searched from where "MODEL" stood (see below).
+    {"Model\r", "MODEL    = Q4U\r\nCMD:"},
+    {"Option\r", "OPTION   = 34\r\nCMD:"},
+    {"Version\r", "VERSION  = 3.10\r\nCMD:"},
+    {"asquelch\r", "asquelch\r\nASQUELCH = 12\r\nCMD:"},
+    {"Squelch\r", "Squelch\r\nSQUELCH  = 30\r\nCMD:"},
+    {"squelch\r", "squelch\r\nSQUELCH  = 30\r\nCMD:"},
+    {"s/n\r", "s/n\r\nS/N      = 12345\r\nCMD:"},
+    {"net\r", "net\r\nNETWORK  = 37\r\nCMD:"},
+    {"route\r", "route\r\n1  40,41,12\r\n2  77\r\n3  50,60\r\nCMD:"},
+    {"append\r", "append\r\n1  90,91\r\nCMD:"},
+    {"add\r", "add\r\nADDRESS  = 12\r\nCMD:"},
+    {"setc\r", "setc\r\nSETCON   = 40,41,12\r\nCMD:"},
+    {"rflow\r", "rflow\r\nRFLOW    = ON\r\nCMD:"},
+    {"rxmark\r", "rxmark\r\nRXMARK   = 5\r\nCMD:"},
+    {"rfp\r", "rfp\r\nRFPOWER  = 1\r\nCMD:"},
+    {"comrate\r", "comrate\r\nCOMRATE  = 41\r\nCMD:"},
+    {"inout 0,5\r", "inout 0,5\r\nINOUT    = 04\r\nCMD:"},
+    {"datarate\r", "datarate\r\nDATARATE = 64\r\nCMD:"},
+    {"rxd\r", "rxd\r\nRXDATA   = 3\r\nCMD:"},
+    {"txf\r", "txf\r\nTXFLAG   = 2\r\nCMD:"},
+    {"txe\r", "txe\r\nTXEND    = 2\r\nCMD:"},
+    {"frack\r", "frack\r\nFRACK    = 60\r\nCMD:"},
+    {"sel/a1\r", "sel/a1\r\nA1   = 56\r\nCMD:"},
+    {"sel/n1\r", "sel/n1\r\nN1   = 76\r\nCMD:"},
+    {"sel/n2\r", "sel/n2\r\nN2   = 958\r\nCMD:"},
+};
 
-// Each reader run on a session, its results joined by "|" in the order of its arguments.
-using Reader = std::function<QString(ModemSession &)>;
-
-const std::map<QString, Reader> &readers()
+QString run(const QString &reader, ModemSession &s)
 {
-    static const std::map<QString, Reader> all{
-        {QStringLiteral("ReadModelInfo"),
-         [](ModemSession &s) {
-             QString model, version, option;
-             ReadModelInfo(s, model, version, option);
-             return QStringList{model, version, option}.join(u'|');
-         }},
-        {QStringLiteral("ReadSquelch"),
-         [](ModemSession &s) {
-             double value = 0;
-             ReadSquelch(s, value);
-             return numberText(value);
-         }},
-        {QStringLiteral("ReadAsquelch"),
-         [](ModemSession &s) {
-             double value = 0;
-             ReadAsquelch(s, value);
-             return numberText(value);
-         }},
-        {QStringLiteral("ReadSerialNumber"),
-         [](ModemSession &s) {
-             QString value;
-             ReadSerialNumber(s, value);
-             return value;
-         }},
-        {QStringLiteral("ReadNetworkId"),
-         [](ModemSession &s) {
-             QString value;
-             ReadNetworkId(s, value);
-             return value;
-         }},
-        {QStringLiteral("ReadRoutes"),
-         [](ModemSession &s) {
-             QStringList commands;
-             ReadRoutes(s, commands);
-             return commands.join(u'|');
-         }},
-        {QStringLiteral("ReadConfiguration"),
-         [](ModemSession &s) {
-             QString address, setcon, asquelch, rflow, rxmark, comrate, rfpower;
-             ReadConfiguration(s, address, setcon, asquelch, rflow, rxmark, comrate, rfpower);
-             return QStringList{address, setcon, asquelch, rflow, rxmark, comrate, rfpower}.join(u'|');
-         }},
-        {QStringLiteral("ReadInout"),
-         [](ModemSession &s) { return ReadInout(s) ? QStringLiteral("true") : QStringLiteral("false"); }},
-        {QStringLiteral("ReadRadioTiming"),
-         [](ModemSession &s) {
-             QString datarate, rxdata, txflag, txend, frack;
-             ReadRadioTiming(s, datarate, rxdata, txflag, txend, frack);
-             return QStringList{datarate, rxdata, txflag, txend, frack}.join(u'|');
-         }},
-        {QStringLiteral("ReadLatches"),
-         [](ModemSession &s) {
-             double a1 = 0, n1 = 0, n2 = 0, squelch = 0;
-             ReadLatches(s, a1, n1, n2, squelch);
-             return QStringList{numberText(a1), numberText(n1), numberText(n2), numberText(squelch)}.join(
-                 u'|');
-         }},
+    QString t[7];
+    double d[4] = {};
+    const auto join = [](std::initializer_list<QString> parts) { return QStringList(parts).join(u'|'); };
+    const auto numbers = [&](int n) {
+        QStringList list;
+        for (int i = 0; i < n; ++i)
+            list << numberText(d[i]);
+        return list.join(u'|');
     };
-    return all;
+    if (reader == u"ReadModelInfo")
+        return ReadModelInfo(s, t[0], t[1], t[2]), join({t[0], t[1], t[2]});
+    if (reader == u"ReadSquelch")
+        return ReadSquelch(s, d[0]), numbers(1);
+    if (reader == u"ReadAsquelch")
+        return ReadAsquelch(s, d[0]), numbers(1);
+    if (reader == u"ReadSerialNumber")
+        return ReadSerialNumber(s, t[0]), t[0];
+    if (reader == u"ReadNetworkId")
+        return ReadNetworkId(s, t[0]), t[0];
+    if (reader == u"ReadInout")
+        return ReadInout(s) ? QStringLiteral("true") : QStringLiteral("false");
+    if (reader == u"ReadConfiguration")
+        return ReadConfiguration(s, t[0], t[1], t[2], t[3], t[4], t[5], t[6]),
+               join({t[0], t[1], t[2], t[3], t[4], t[5], t[6]});
+    if (reader == u"ReadRadioTiming")
+        return ReadRadioTiming(s, t[0], t[1], t[2], t[3], t[4]), join({t[0], t[1], t[2], t[3], t[4]});
+    if (reader == u"ReadLatches")
+        return ReadLatches(s, d[0], d[1], d[2], d[3]), numbers(4);
+    QStringList commands{QStringLiteral("DATARATE 64")};
+    ReadRoutes(s, commands);
+    return commands.mid(1).join(u'|');
 }
 
-QString run(const QString &reader, ModemSession &session)
+const Reader &reader(const QString &name)
 {
-    return readers().at(reader)(session);
+    return *std::find_if(std::begin(kReaders), std::end(kReaders),
+                         [&](const Reader &r) { return name == QLatin1String(r.name); });
 }
 
-QStringList split(const char *commands)
+QStringList items(const char *list)
 {
-    return QString::fromLatin1(commands).split(u'|');
+    return QString::fromLatin1(list).split(QStringLiteral(" | "), Qt::SkipEmptyParts);
 }
 
-// The writes SendSlow makes of the commands: one character each.
-QStringList slowed(const QStringList &commands)
+// The writes of a reader against the writes on the port. Over the adaptor the squelch command goes
+// in small letters, and one character at a time (SendSlow) unless the reader always sends in one write.
+void compareWrites(const MemoryCommControl &port, const Reader &r, bool adaptor)
 {
-    QStringList characters;
-    for (const QString &command : commands) {
-        const QString plain = QString(command).replace(QStringLiteral("\\r"), QStringLiteral("\r"));
-        for (QChar c : plain)
-            characters << (c == u'\r' ? QStringLiteral("\\r") : QString(c));
+    QStringList writes, expected;
+    for (const QByteArray &w : port.writes())
+        writes << SessionRig::shown(w);
+    for (const QString &command : items(r.commands)) {
+        const QString sent =
+            adaptor ? QString(command).replace(QStringLiteral("Squelch"), QStringLiteral("squelch"))
+                    : command;
+        if (!adaptor || r.oneWrite)
+            expected << sent;
+        else
+            for (const QChar c : QString(sent).replace(QStringLiteral("\\r"), QStringLiteral("\r")))
+                expected << SessionRig::shown(QByteArray(1, char(c.unicode())));
     }
-    return characters;
+    QCOMPARE(writes, expected);
 }
 
+void expectCutFailures(ScriptedPrompts &prompts, int count)
+{
+    for (int i = 0; i < count; ++i)
+        prompts.expectMsgBox(appErrorText(AppErrors::invalidProcedureCall()))
+            .withIcon(MsgIcon::Critical)
+            .withButtons(MsgButtons::OkOnly);
+}
+
+// The ways a scripted modem meets every reader: a refusal is in at the first look and settles at
+// the second, 200 ms a command; but its 13 bytes never pass the 20 awaited after route, append and
+// inout, so those wait the full 5.1 s and then settle. A silent line costs 5.1 s a command.
+const char *const kWays[] = {"well-formed", "silent", "refusing", "refusing over the adaptor"};
+
+// Exact replies the firmware seldom gives: the bytes waiting before, the answers, a reader and what
+// it gives, the boxes that cost and when they came.
+struct Special
+{
+    const char *name;
+    const char *stale;
+    const char *answers;
+    const char *reader;
+    const char *result;
+    qint64 elapsedMs;
+    const char *boxTimes = "";
+};
+
+const Special kSpecials[] = {
+    {"model info: only the first command drains", "MODEL    = Q4Y\r\nOPTION   = 2\r\n",
+     "Model\r=>MODEL    = Q4U\r\nCMD: | Option\r=>OPTION   = 34\r\nCMD: | Version\r=>VERSION  = 3.10\r\nCMD:",
+     "ReadModelInfo", "Q4U|3.10|34", 600},
+    {"model info: both without echo", "",
+     "Model\r=>MODEL    = Q4U\r\nCMD: | Option\r=>OPTION   = 34\r\nCMD: | Version\r=>VERSION  = 3.10\r\nCMD:",
+     "ReadModelInfo", "Q4U|3.10|34", 600},
+    // With the echo only on the version, the model's position falls on the return that ends the echo.
+    {"model info: echo on the version alone", "",
+     "Model\r=>MODEL    = Q4U\r\nCMD: | Option\r=>OPTION   = 34\r\nCMD: | Version\r=>Version\r\nVERSION  = "
+     "3.10\r\nCMD:",
+     "ReadModelInfo", "Q4U||34", 600, "600"},
+    // A longer start in the model reply runs the version's end on to the next line end.
+    {"model info: model reply starts later", "",
+     "Model\r=>\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\nMODEL    = Q4U\r\nCMD: | Option\r=>OPTION   = 34\r\nCMD: | "
+     "Version\r=>VERSION  = 3.10\r\nX\r\nCMD:",
+     "ReadModelInfo", "Q4U|3.10\r\nX|34", 600},
+    {"squelch without line end", "", "Squelch\r=>SQUELCH  = 30", "ReadSquelch", "0", 200, "200"},
+    {"inout 04", "", "inout 0,5\r=>INOUT    = 04\r\nCMD:", "ReadInout", "true", 5200},
+    {"inout FB", "", "inout 0,5\r=>INOUT    = FB\r\nCMD:", "ReadInout", "false", 5200},
+    {"inout 05", "", "inout 0,5\r=>INOUT    = 05\r\nCMD:", "ReadInout", "true", 5200},
+    {"inout fc, small letters", "", "inout 0,5\r=>INOUT    = fc\r\nCMD:", "ReadInout", "true", 5200},
+    {"inout 00", "", "inout 0,5\r=>INOUT    = 00\r\nCMD:", "ReadInout", "false", 5200},
+    {"inout not hexadecimal", "", "inout 0,5\r=>INOUT    = ??\r\nCMD:", "ReadInout", "false", 5200},
+    {"route line without end keeps the routes before", "",
+     "route\r=>route\r\n1  40,12\r\n2  41,13 | append\r=>append\r\n1  90,91\r\nCMD:", "ReadRoutes",
+     "ROUTE 1  40,12|APPEND 1  90,91", 400, "200"},
+    // 21 bytes are more than the 20 awaited: the listing is read at the first look.
+    {"route reply of 21 bytes", "", "route\r=>1 2,3\r\nCMD:abcdefghij | append\r=>append\r\nCMD:abcdefghi",
+     "ReadRoutes", "ROUTE 1 2,3", 400},
+};
+
+// The simulated modem of a scenario changed by "NAME=value" items (model, option, serial, version,
+// route, append, dead, adaptor, or a setting): a reader gives what the modem holds ("<NAME>" its
+// value), in the time it takes, with the boxes it costs.
+struct SimCase
+{
+    const char *name;
+    const char *scenario;
+    const char *reader;
+    const char *result;
+    int boxes = 0;
+    qint64 elapsedMs = -1;
+};
+
+const SimCase kSims[] = {
+    {"identity", "ECHO=OFF | model=Q4Y | option=34 | version=2.07", "ReadModelInfo", "Q4Y|2.07|34"},
+    {"serial number", "serial=11000", "ReadSerialNumber", "11000"},
+    {"network", "", "ReadNetworkId", "37"},
+    // With the factory echo the version reply begins "Version" and its return, so the line end searched
+    // from where "MODEL" stood behind the shorter echo "Model" comes before the value.
+    {"factory echo spoils the version", "", "ReadModelInfo", "Q4U||<OPTION>", 1},
+    {"configuration", "ADDRESS=12 | SETCONNECT=40,41,12 | ASQUELCH=20 | RFLOW=ON | RXMARK=5 | RFPOWER=1",
+     "ReadConfiguration", "12|40,41,12|20|ON|5|<COMRATE>|1"},
+    {"radio timing", "DATARATE=64 | RXDATA=3 | TXFLAG=2 | TXEND=4 | FRACK=60", "ReadRadioTiming",
+     "64|3|2|4|60"},
+    {"squelch", "SQUELCH=44", "ReadSquelch", "44"},
+    {"noise squelch", "ASQUELCH=9", "ReadAsquelch", "9"},
+    {"latches", "SQUELCH=44 | SEL/A1=60 | SEL/N1=47616 | SEL/N2=0", "ReadLatches", "60|47616|0|44"},
+    {"routes", "route=1,5, | route=2,40,41,12 | append=1,1,25,28,*", "ReadRoutes",
+     "ROUTE 1,5,|ROUTE 2,40,41,12|APPEND 1,1,25,28,*"},
+    {"a quiet channel reads closed", "", "ReadInout", "false"},
+    {"dead modem, model info", "dead=1", "ReadModelInfo", "||", 3, 15300},
+    {"dead modem, latches", "dead=1", "ReadLatches", "0|0|0|0", 4, 20400},
+    // One character at a time gets through the adaptor.
+    {"squelch over the adaptor", "adaptor=1 | SQUELCH=44", "ReadSquelch", "44"},
+    // The model information goes in one write all the same, and the adaptor passes only the first
+    // character of each: the modem never sees a whole command and stays silent.
+    {"model info over the adaptor", "adaptor=1", "ReadModelInfo", "||", 3},
+};
+
+sim::Scenario scenario(const char *changes)
+{
+    sim::Scenario s = sim::Scenario::standard();
+    sim::ModemProfile &m = s.modems[0];
+    for (const QString &change : items(changes)) {
+        const QString name = change.section(u'=', 0, 0), value = change.section(u'=', 1);
+        if (name == u"model")
+            m.model = value;
+        else if (name == u"option" || name == u"serial")
+            (name == u"option" ? m.option : m.serial) = value.toInt();
+        else if (name == u"version")
+            m.version = value;
+        else if (name == u"route" || name == u"append")
+            (name == u"route" ? m.routes : m.appends) << value;
+        else if (name == u"dead" || name == u"adaptor")
+            (name == u"dead" ? m.dead : s.irAdaptor) = true;
+        else
+            m.settings.insert(name, value);
+    }
+    return s;
+}
+
+// optionByte, HexToDecimal, MakeTestPattern, and the rate and frame switches ("1" on, "0" off).
+struct Rule
+{
+    const char *name;
+    const char *rule;
+    const char *argument;
+    const char *result;
+};
+
+const Rule kRules[] = {
+    {"option plain", "optionByte", "34", "34"},
+    {"option top", "optionByte", "255", "255"},
+    {"option empty reads as 0", "optionByte", "", "0"},
+    {"option half to even", "optionByte", "12.5", "12"},
+    {"option beyond a byte", "optionByte", "256", "error 6"},
+    {"option negative", "optionByte", "-1", "error 6"},
+    {"hex 04", "HexToDecimal", "04", "4"},
+    {"hex FB", "HexToDecimal", "FB", "251"},
+    {"hex small letters", "HexToDecimal", "ff", "255"},
+    {"hex empty", "HexToDecimal", "", "0"},
+    {"hex 16 bits are signed", "HexToDecimal", "FFFF", "-1"},
+    {"hex past 16 bits", "HexToDecimal", "10000", "65536"},
+    {"hex 32-bit top", "HexToDecimal", "7FFFFFFF", "2147483647"},
+    {"hex 32 bits are signed", "HexToDecimal", "FFFFFFFF", "-1"},
+    {"pattern empty", "MakeTestPattern", "0", ""},
+    {"pattern of ten", "MakeTestPattern", "10", "0123456789"},
+    {"pattern over again after z", "MakeTestPattern", "77",
+     "0123456789:;<=>?@ABCDEFGHIJKLMNOPQRSTUVWXYZ[\\]^_`abcdefghijklmnopqrstuvwxyz01"},
+    {"rate 9600", "BaudToSwitches", "9600,n,8,1", "100"},
+    {"rate 2400", "BaudToSwitches", "2400,e,7,1", "110"},
+    {"rate 300", "BaudToSwitches", "300,n,8,1", "011"},
+    {"rate without a row", "BaudToSwitches", "115200,n,8,1", "000"},
+    {"rate with a blank in front", "BaudToSwitches", " 9600,n,8,1", "000"},
+    {"rate without a comma", "BaudToSwitches", "9600", "error 5"},
+    {"frame n,8,1", "FrameToSwitches", "9600,n,8,1", "0010"},
+    {"frame N,8,1", "FrameToSwitches", "9600,N,8,1", "0010"},
+    {"frame O,7,2", "FrameToSwitches", "9600,O,7,2", "1101"},
+    {"frame E,8,1", "FrameToSwitches", "19200,E,8,1", "0110"},
+    {"frame e,7,1", "FrameToSwitches", "1200,e,7,1", "0100"},
+    {"frame o,8,2", "FrameToSwitches", "1200,o,8,2", "1111"},
+    {"frame mark parity", "FrameToSwitches", "1200,m,8,1", "0010"},
+    {"frame 6 data bits count as 8", "FrameToSwitches", "1200,n,6,1", "0010"},
+    {"frame 1.5 stop bits read as 1", "FrameToSwitches", "1200,n,8,1.5", "0010"},
+};
 } // namespace
 
 class ModemParamsTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void readersOnAModemThatFailsThem_data();
-    void readersOnAModemThatFailsThem();
-    void adaptorWayPerReader_data();
-    void adaptorWayPerReader();
-    void readersCutWellFormedReplies_data();
-    void readersCutWellFormedReplies();
-    void modelInfoTranscript();
-    void modelInfoDrainsOnlyBeforeItsFirstCommand();
-    void modelInfoSearchesTheVersionEndFromTheModelPosition_data();
-    void modelInfoSearchesTheVersionEndFromTheModelPosition();
-    void squelchAnswerWithoutLineEndIsAnError();
-    void closedPortShowsTheBoxForTheSendAndForTheCut();
-    void inoutReadsBitTwo_data();
-    void inoutReadsBitTwo();
-    void routeLineWithoutEndKeepsEarlierRoutes();
-
-    void simIdentityOfTheUnit();
-    void simFactoryEchoSpoilsTheVersionCut();
-    void simConfigurationAndTiming();
-    void simSquelchAndLatches();
-    void simRoutesBecomeCommands();
-    void simQuietChannelReadsClosed();
-    void simDeadModem();
-    void simOverTheAdaptor();
-
-    void optionsPackAndUnpack();
-    void optionBits();
-    void optionByteFromText_data();
-    void optionByteFromText();
-    void hexToDecimal_data();
-    void hexToDecimal();
-    void testPattern_data();
-    void testPattern();
-    void baudToSwitches_data();
-    void baudToSwitches();
-    void baudWithoutCommaIsAnInvalidCall();
-    void frameToSwitches_data();
-    void frameToSwitches();
-};
-
-void ModemParamsTest::readersOnAModemThatFailsThem_data()
-{
-    QTest::addColumn<QString>("reader");
-    QTest::addColumn<bool>("refusing");
-    QTest::addColumn<QStringList>("commands");
-    QTest::addColumn<QString>("results");
-    QTest::addColumn<int>("boxes");
-    QTest::addColumn<int>("refusalMs");
-
-    // A refusal is in at the first look and settles at the second, 200 ms a command; but its 13
-    // bytes never pass the 20 awaited after route, append and inout, so those wait the full 5.1 s
-    // and then settle.
-    struct Row
+    void readers_data()
     {
-        const char *reader;
-        const char *commands;
-        const char *results;
-        int boxes;
-        int refusalMs;
-    };
-    const Row rows[] = {
-        {"ReadModelInfo", "Model\\r|Option\\r|Version\\r", "||", 3, 200},
-        {"ReadSquelch", "Squelch\\r", "0", 1, 200},
-        {"ReadAsquelch", "asquelch\\r", "0", 1, 200},
-        {"ReadSerialNumber", "s/n\\r", "", 1, 200},
-        {"ReadNetworkId", "net\\r", "", 1, 200},
-        {"ReadRoutes", "route\\r|append\\r", "", 0, 5200},
-        {"ReadConfiguration", "add\\r|setc\\r|asquelch\\r|rflow\\r|rxmark\\r|rfp\\r|comrate\\r", "||||||", 7,
-         200},
-        {"ReadInout", "inout 0,5\\r", "false", 1, 5200},
-        {"ReadRadioTiming", "datarate\\r|rxd\\r|txf\\r|txe\\r|frack\\r", "||||", 5, 200},
-        {"ReadLatches", "sel/a1\\r|sel/n1\\r|sel/n2\\r|squelch\\r", "0|0|0|0", 4, 200},
-    };
-    for (const Row &row : rows) {
-        const QStringList commands = split(row.commands);
-        QTest::addRow("%s silent", row.reader)
-            << row.reader << false << commands << QString::fromLatin1(row.results) << row.boxes
-            << row.refusalMs;
-        QTest::addRow("%s refusing", row.reader)
-            << row.reader << true << commands << QString::fromLatin1(row.results) << row.boxes
-            << row.refusalMs;
+        QTest::addColumn<QString>("reader");
+        QTest::addColumn<QString>("way");
+        for (const Reader &r : kReaders)
+            for (const char *way : kWays)
+                QTest::addRow("%s %s", r.name, way)
+                    << QString::fromLatin1(r.name) << QString::fromLatin1(way);
     }
-}
+    void readers()
+    {
+        QFETCH(QString, reader);
+        QFETCH(QString, way);
+        const Reader &r = ::reader(reader);
+        // The screen that calls a reader owns the port.
+        SessionRig rig(CommControl::kAutoProcessProgram);
+        rig.session.IrDongleActive = way.endsWith(u"adaptor");
+        if (way.startsWith(u"refusing"))
+            rig.modem.answer("\r", "INVALID\r\nCMD:");
+        for (const auto &[command, reply] : kReplies)
+            if (way == u"well-formed")
+                rig.modem.answer(command, reply);
+        const bool failing = way != u"well-formed";
+        expectCutFailures(rig.prompts, failing ? r.boxes : 0);
 
-void ModemParamsTest::readersOnAModemThatFailsThem()
-{
-    QFETCH(QString, reader);
-    QFETCH(bool, refusing);
-    QFETCH(QStringList, commands);
-    QFETCH(QString, results);
-    QFETCH(int, boxes);
-    QFETCH(int, refusalMs);
-
-    Rig rig;
-    if (refusing)
-        rig.modem.answer("\r", "INVALID\r\nCMD:");
-    rig.expectCutFailures(boxes);
-
-    QCOMPARE(run(reader, rig.session), results);
-    QVERIFY(rig.prompts.verify());
-    QCOMPARE(rig.writes(), commands);
-    QCOMPARE(rig.port.AutoProcess(), CommControl::kAutoProcessProgram);
-
-    // Each command waits 5.1 seconds on a silent line. The box of a value follows its own reply,
-    // before the next command goes out.
-    const qint64 perCommand = refusing ? refusalMs : 5100;
-    QCOMPARE(rig.time.elapsedMs(), perCommand * commands.size());
-    const QList<qint64> times = rig.boxTimes();
-    for (int i = 0; i < times.size(); ++i)
-        QCOMPARE(times[i], perCommand * (i + 1));
-}
-
-void ModemParamsTest::adaptorWayPerReader_data()
-{
-    QTest::addColumn<QString>("reader");
-    QTest::addColumn<QStringList>("commands");
-    QTest::addColumn<bool>("alwaysOneWrite");
-    QTest::newRow("ReadModelInfo") << "ReadModelInfo" << split("Model\\r|Option\\r|Version\\r") << true;
-    QTest::newRow("ReadConfiguration")
-        << "ReadConfiguration" << split("add\\r|setc\\r|asquelch\\r|rflow\\r|rxmark\\r|rfp\\r|comrate\\r")
-        << true;
-    QTest::newRow("ReadRadioTiming") << "ReadRadioTiming"
-                                     << split("datarate\\r|rxd\\r|txf\\r|txe\\r|frack\\r") << true;
-    // Over the adaptor the squelch command goes in small letters.
-    QTest::newRow("ReadSquelch") << "ReadSquelch" << split("squelch\\r") << false;
-    QTest::newRow("ReadAsquelch") << "ReadAsquelch" << split("asquelch\\r") << false;
-    QTest::newRow("ReadSerialNumber") << "ReadSerialNumber" << split("s/n\\r") << false;
-    QTest::newRow("ReadNetworkId") << "ReadNetworkId" << split("net\\r") << false;
-    QTest::newRow("ReadRoutes") << "ReadRoutes" << split("route\\r|append\\r") << false;
-    QTest::newRow("ReadInout") << "ReadInout" << split("inout 0,5\\r") << false;
-    QTest::newRow("ReadLatches") << "ReadLatches" << split("sel/a1\\r|sel/n1\\r|sel/n2\\r|squelch\\r")
-                                 << false;
-}
-
-void ModemParamsTest::adaptorWayPerReader()
-{
-    QFETCH(QString, reader);
-    QFETCH(QStringList, commands);
-    QFETCH(bool, alwaysOneWrite);
-
-    Rig rig;
-    rig.session.IrDongleActive = true;
-    rig.modem.answer("\r", "INVALID\r\nCMD:");
-    rig.expectCutFailures(reader == u"ReadRoutes" ? 0 : int(commands.size()));
-    run(reader, rig.session);
-    QVERIFY(rig.prompts.verify());
-    QCOMPARE(rig.writes(), alwaysOneWrite ? commands : slowed(commands));
-}
-
-void ModemParamsTest::readersCutWellFormedReplies_data()
-{
-    QTest::addColumn<QString>("reader");
-    QTest::addColumn<QList<QByteArray>>("exchange"); // command, reply, command, reply...
-    QTest::addColumn<QString>("results");
-
-    // The modem echoes each command and its carriage return before the value line and the prompt.
-    QTest::newRow("ReadSquelch") << "ReadSquelch"
-                                 << QList<QByteArray>{"Squelch\r", "Squelch\r\nSQUELCH  = 30\r\nCMD:"}
-                                 << "30";
-    QTest::newRow("ReadAsquelch") << "ReadAsquelch"
-                                  << QList<QByteArray>{"asquelch\r", "asquelch\r\nASQUELCH = 12\r\nCMD:"}
-                                  << "12";
-    QTest::newRow("ReadSerialNumber")
-        << "ReadSerialNumber" << QList<QByteArray>{"s/n\r", "s/n\r\nS/N      = 12345\r\nCMD:"} << "12345";
-    QTest::newRow("ReadNetworkId") << "ReadNetworkId"
-                                   << QList<QByteArray>{"net\r", "net\r\nNETWORK  = 37\r\nCMD:"} << "37";
-    QTest::newRow("ReadConfiguration")
-        << "ReadConfiguration" << QList<QByteArray>{"add\r",      "add\r\nADDRESS  = 12\r\nCMD:",
-                                                    "setc\r",     "setc\r\nSETCON   = 40,41,12\r\nCMD:",
-                                                    "asquelch\r", "asquelch\r\nASQUELCH = 3\r\nCMD:",
-                                                    "rflow\r",    "rflow\r\nRFLOW    = ON\r\nCMD:",
-                                                    "rxmark\r",   "rxmark\r\nRXMARK   = 5\r\nCMD:",
-                                                    "rfp\r",      "rfp\r\nRFPOWER  = 1\r\nCMD:",
-                                                    "comrate\r",  "comrate\r\nCOMRATE  = 41\r\nCMD:"}
-        << "12|40,41,12|3|ON|5|41|1";
-    QTest::newRow("ReadRadioTiming") << "ReadRadioTiming"
-                                     << QList<QByteArray>{"datarate\r", "datarate\r\nDATARATE = 64\r\nCMD:",
-                                                          "rxd\r",      "rxd\r\nRXDATA   = 3\r\nCMD:",
-                                                          "txf\r",      "txf\r\nTXFLAG   = 2\r\nCMD:",
-                                                          "txe\r",      "txe\r\nTXEND    = 2\r\nCMD:",
-                                                          "frack\r",    "frack\r\nFRACK    = 60\r\nCMD:"}
-                                     << "64|3|2|2|60";
-    QTest::newRow("ReadLatches") << "ReadLatches"
-                                 << QList<QByteArray>{"sel/a1\r",  "sel/a1\r\nA1   = 56\r\nCMD:",
-                                                      "sel/n1\r",  "sel/n1\r\nN1   = 76\r\nCMD:",
-                                                      "sel/n2\r",  "sel/n2\r\nN2   = 958\r\nCMD:",
-                                                      "squelch\r", "squelch\r\nSQUELCH  = 30\r\nCMD:"}
-                                 << "56|76|958|30";
-    QTest::newRow("ReadRoutes") << "ReadRoutes"
-                                << QList<QByteArray>{"route\r",
-                                                     "route\r\n1  40,41,12\r\n2  77\r\n3  50,60\r\nCMD:",
-                                                     "append\r", "append\r\n1  90,91\r\nCMD:"}
-                                << "ROUTE 1  40,41,12|ROUTE 3  50,60|APPEND 1  90,91";
-    QTest::newRow("ReadInout") << "ReadInout"
-                               << QList<QByteArray>{"inout 0,5\r", "inout 0,5\r\nINOUT    = 04\r\nCMD:"}
-                               << "true";
-}
-
-void ModemParamsTest::readersCutWellFormedReplies()
-{
-    QFETCH(QString, reader);
-    QFETCH(QList<QByteArray>, exchange);
-    QFETCH(QString, results);
-
-    Rig rig;
-    QStringList commands;
-    for (int i = 0; i + 1 < exchange.size(); i += 2) {
-        rig.modem.answer(exchange[i], exchange[i + 1]);
-        commands << shownBytes(exchange[i]);
+        QCOMPARE(run(reader, rig.session), QLatin1String(failing ? r.failed : r.wellFormed));
+        QVERIFY(rig.prompts.verify());
+        compareWrites(rig.port, r, rig.session.IrDongleActive);
+        if (rig.session.IrDongleActive)
+            return;
+        const QStringList commands = items(r.commands);
+        // Each command goes out when the reply to the one before has settled; the box of a value
+        // follows its own reply, before the next command goes out.
+        const qint64 each = way == u"well-formed" ? 200 : way == u"silent" ? 5100 : r.awaitsList ? 5200 : 200;
+        QStringList expected;
+        for (qsizetype i = 0; i < commands.size(); ++i)
+            expected << QStringLiteral("%1:%2").arg(each * i).arg(commands[i]);
+        QCOMPARE(rig.transcript(), expected);
+        QCOMPARE(rig.time.elapsedMs(), each * commands.size());
+        for (qsizetype i = 0; i < rig.prompts.shown().size(); ++i)
+            QCOMPARE(rig.prompts.shown()[i].atMs, each * (i + 1));
+        QCOMPARE(rig.port.AutoProcess(), CommControl::kAutoProcessProgram);
     }
-    QCOMPARE(run(reader, rig.session), results);
-    QVERIFY(rig.prompts.verify());
-    QCOMPARE(rig.writes(), commands);
-    // Each reply is in at the first look and whole at the second: 200 ms a command.
-    QCOMPARE(rig.time.elapsedMs(), 200 * commands.size());
-}
 
-void ModemParamsTest::modelInfoTranscript()
-{
-    Rig rig;
-    rig.modem.answer("Model\r", "MODEL    = Q4U\r\nCMD:");
-    rig.modem.answer("Option\r", "OPTION   = 34\r\nCMD:");
-    rig.modem.answer("Version\r", "VERSION  = 3.10\r\nCMD:");
-    QString model, version, option;
-    ReadModelInfo(rig.session, model, version, option);
-    QCOMPARE(model, QStringLiteral("Q4U"));
-    QCOMPARE(version, QStringLiteral("3.10"));
-    QCOMPARE(option, QStringLiteral("34"));
-    QCOMPARE(rig.transcript(), (QStringList{QStringLiteral("0:Model\\r"), QStringLiteral("200:Option\\r"),
-                                            QStringLiteral("400:Version\\r")}));
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemParamsTest::modelInfoDrainsOnlyBeforeItsFirstCommand()
-{
-    Rig rig;
-    rig.port.feed("MODEL    = Q4Y\r\nOPTION   = 2\r\n");
-    rig.modem.answer("Model\r", "MODEL    = Q4U\r\nCMD:");
-    rig.modem.answer("Option\r", "OPTION   = 34\r\nCMD:");
-    rig.modem.answer("Version\r", "VERSION  = 3.10\r\nCMD:");
-    QString model, version, option;
-    ReadModelInfo(rig.session, model, version, option);
-    QCOMPARE(model, QStringLiteral("Q4U"));
-    QCOMPARE(option, QStringLiteral("34"));
-}
-
-void ModemParamsTest::modelInfoSearchesTheVersionEndFromTheModelPosition_data()
-{
-    QTest::addColumn<QByteArray>("modelReply");
-    QTest::addColumn<QByteArray>("versionReply");
-    QTest::addColumn<QString>("version");
-    QTest::addColumn<int>("boxes");
-    QTest::newRow("both without echo")
-        << QByteArray("MODEL    = Q4U\r\nCMD:") << QByteArray("VERSION  = 3.10\r\nCMD:") << "3.10" << 0;
-    QTest::newRow("same start") << QByteArray("\r\nMODEL    = Q4U\r\nCMD:")
-                                << QByteArray("\r\nVERSION  = 3.10\r\nCMD:") << "3.10" << 0;
-    // With the echo on, the model's position falls on the return that ends the echo "Version".
-    QTest::newRow("echoed") << QByteArray("Model\r\nMODEL    = Q4U\r\nCMD:")
-                            << QByteArray("Version\r\nVERSION  = 3.10\r\nCMD:") << "" << 1;
-    // A longer start in the model reply runs the version's end on to the next line end.
-    QTest::newRow("model reply starts later")
-        << QByteArray("\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\nMODEL    = Q4U\r\nCMD:")
-        << QByteArray("VERSION  = 3.10\r\nX\r\nCMD:") << "3.10\r\nX" << 0;
-}
-
-void ModemParamsTest::modelInfoSearchesTheVersionEndFromTheModelPosition()
-{
-    QFETCH(QByteArray, modelReply);
-    QFETCH(QByteArray, versionReply);
-    QFETCH(QString, version);
-    QFETCH(int, boxes);
-    Rig rig;
-    rig.modem.answer("Model\r", modelReply);
-    rig.modem.answer("Option\r", "OPTION   = 34\r\nCMD:");
-    rig.modem.answer("Version\r", versionReply);
-    rig.expectCutFailures(boxes);
-    QString model, readVersion, option;
-    ReadModelInfo(rig.session, model, readVersion, option);
-    QCOMPARE(model, QStringLiteral("Q4U"));
-    QCOMPARE(option, QStringLiteral("34"));
-    QCOMPARE(readVersion, version);
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemParamsTest::squelchAnswerWithoutLineEndIsAnError()
-{
-    Rig rig;
-    rig.modem.answer("Squelch\r", "SQUELCH  = 30");
-    rig.expectCutFailures(1);
-    double value = 0;
-    ReadSquelch(rig.session, value);
-    QCOMPARE(value, 0.0);
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemParamsTest::closedPortShowsTheBoxForTheSendAndForTheCut()
-{
-    Rig rig;
-    rig.port.setPortOpen(false);
-    rig.prompts
-        .expectMsgBox(appErrorText(
-            {AppErrors::PortNotOpen, QStringLiteral("Operation valid only when the port is open")}))
-        .withIcon(MsgIcon::Critical);
-    rig.expectCutFailures(1);
-    double value = 0;
-    ReadSquelch(rig.session, value);
-    QCOMPARE(value, 0.0);
-    QVERIFY(rig.prompts.verify());
-    QCOMPARE(rig.boxTimes(), (QList<qint64>{0, 5100}));
-}
-
-void ModemParamsTest::inoutReadsBitTwo_data()
-{
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<bool>("open");
-    QTest::newRow("04") << QByteArray("04") << true;
-    QTest::newRow("FB") << QByteArray("FB") << false;
-    QTest::newRow("05") << QByteArray("05") << true;
-    QTest::newRow("fc, small letters") << QByteArray("fc") << true;
-    QTest::newRow("00") << QByteArray("00") << false;
-    QTest::newRow("not hexadecimal") << QByteArray("??") << false;
-}
-
-void ModemParamsTest::inoutReadsBitTwo()
-{
-    QFETCH(QByteArray, value);
-    QFETCH(bool, open);
-    Rig rig;
-    rig.modem.answer("inout 0,5\r", "inout 0,5\r\nINOUT    = " + value + "\r\nCMD:");
-    QCOMPARE(ReadInout(rig.session), open);
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemParamsTest::routeLineWithoutEndKeepsEarlierRoutes()
-{
-    Rig rig;
-    rig.modem.answer("route\r", "route\r\n1  40,12\r\n2  41,13");
-    rig.modem.answer("append\r", "append\r\n1  90,91\r\nCMD:");
-    rig.expectCutFailures(1);
-    QStringList commands{QStringLiteral("DATARATE 64")};
-    ReadRoutes(rig.session, commands);
-    QCOMPARE(commands, (QStringList{QStringLiteral("DATARATE 64"), QStringLiteral("ROUTE 1  40,12"),
-                                    QStringLiteral("APPEND 1  90,91")}));
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemParamsTest::optionsPackAndUnpack()
-{
-    for (int option = 0; option <= 255; ++option)
-        QCOMPARE(int(PackOptions(UnpackOptions(quint8(option)))), option);
-}
-
-void ModemParamsTest::optionBits()
-{
-    const OptionBits bits = UnpackOptions(34);
-    QCOMPARE(bits, (OptionBits{false, true, false, false, false, true, false, false}));
-    QVERIFY(bits[OptionNewSynth]);
-    QVERIFY(bits[Option5kHzSpacing]);
-    QCOMPARE(int(PackOptions({true, false, false, false, false, false, false, true})), 129);
-    QVERIFY(optionBitSet(129, OptionFrequencyLock));
-    QVERIFY(optionBitSet(129, OptionCanada));
-    QVERIFY(!optionBitSet(129, OptionNoiseSquelch));
-    QVERIFY(optionBitSet(64, OptionNoiseSquelch));
-}
-
-void ModemParamsTest::optionByteFromText_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("byte");
-    QTest::addColumn<int>("error");
-    QTest::newRow("plain") << "34" << 34 << 0;
-    QTest::newRow("top") << "255" << 255 << 0;
-    QTest::newRow("empty reads as 0") << "" << 0 << 0;
-    QTest::newRow("half to even") << "12.5" << 12 << 0;
-    QTest::newRow("beyond a byte") << "256" << 0 << AppErrors::Overflow;
-    QTest::newRow("negative") << "-1" << 0 << AppErrors::Overflow;
-}
-
-void ModemParamsTest::optionByteFromText()
-{
-    QFETCH(QString, text);
-    QFETCH(int, byte);
-    QFETCH(int, error);
-    try {
-        QCOMPARE(int(optionByte(text)), byte);
-        QCOMPARE(error, 0);
-    } catch (const AppError &e) {
-        QCOMPARE(e.number, error);
+    void specials_data() { addRows(kSpecials); }
+    void specials()
+    {
+        const Special &c = fetchRow(kSpecials);
+        SessionRig rig(CommControl::kAutoProcessProgram);
+        rig.port.feed(c.stale);
+        for (const QString &answer : items(c.answers))
+            rig.modem.answer(answer.section(QStringLiteral("=>"), 0, 0).toLatin1(),
+                             answer.section(QStringLiteral("=>"), 1).toLatin1());
+        expectCutFailures(rig.prompts,
+                          int(QString::fromLatin1(c.boxTimes).split(u' ', Qt::SkipEmptyParts).size()));
+        QCOMPARE(run(QLatin1String(c.reader), rig.session), QString::fromLatin1(c.result));
+        QVERIFY(rig.prompts.verify());
+        QStringList shown;
+        for (const auto &s : rig.prompts.shown())
+            shown << QString::number(s.atMs);
+        QCOMPARE(shown.join(u' '), QLatin1String(c.boxTimes));
+        QCOMPARE(rig.time.elapsedMs(), c.elapsedMs);
     }
-}
 
-void ModemParamsTest::hexToDecimal_data()
-{
-    QTest::addColumn<QString>("hex");
-    QTest::addColumn<QString>("decimal");
-    QTest::newRow("04") << "04"
-                        << "4";
-    QTest::newRow("FB") << "FB"
-                        << "251";
-    QTest::newRow("small letters") << "ff"
-                                   << "255";
-    QTest::newRow("empty") << ""
-                           << "0";
-    QTest::newRow("16 bits are signed") << "FFFF"
-                                        << "-1";
-    QTest::newRow("past 16 bits") << "10000"
-                                  << "65536";
-    QTest::newRow("32-bit top") << "7FFFFFFF"
-                                << "2147483647";
-    QTest::newRow("32 bits are signed") << "FFFFFFFF"
-                                        << "-1";
-}
-
-void ModemParamsTest::hexToDecimal()
-{
-    QFETCH(QString, hex);
-    QFETCH(QString, decimal);
-    QCOMPARE(HexToDecimal(hex), decimal);
-}
-
-void ModemParamsTest::testPattern_data()
-{
-    QTest::addColumn<int>("length");
-    QTest::addColumn<QString>("pattern");
-    QString cycle;
-    for (char c = '0'; c <= 'z'; ++c)
-        cycle += QLatin1Char(c);
-    QTest::newRow("empty") << 0 << "";
-    QTest::newRow("one") << 1 << "0";
-    QTest::newRow("ten") << 10 << "0123456789";
-    QTest::newRow("one cycle") << 75 << cycle;
-    QTest::newRow("over again after z") << 77 << cycle + QStringLiteral("01");
-    QTest::newRow("three cycles") << 225 << cycle + cycle + cycle;
-}
-
-void ModemParamsTest::testPattern()
-{
-    QFETCH(int, length);
-    QFETCH(QString, pattern);
-    QCOMPARE(MakeTestPattern(length), pattern);
-    QVERIFY(!MakeTestPattern(length).contains(u'{'));
-}
-
-void ModemParamsTest::baudToSwitches_data()
-{
-    QTest::addColumn<QString>("settings");
-    QTest::addColumn<bool>("sw1");
-    QTest::addColumn<bool>("sw2");
-    QTest::addColumn<bool>("sw3");
-    QTest::newRow("19200") << "19200,n,8,1" << false << false << false;
-    QTest::newRow("9600") << "9600,n,8,1" << true << false << false;
-    QTest::newRow("4800") << "4800,e,7,1" << false << true << false;
-    QTest::newRow("2400") << "2400,n,8,1" << true << true << false;
-    QTest::newRow("1200") << "1200,n,8,1" << false << false << true;
-    QTest::newRow("600") << "600,n,8,1" << true << false << true;
-    QTest::newRow("300") << "300,n,8,1" << false << true << true;
-    QTest::newRow("no row") << "115200,n,8,1" << false << false << false;
-    QTest::newRow("blank in front") << " 9600,n,8,1" << false << false << false;
-}
-
-void ModemParamsTest::baudToSwitches()
-{
-    QFETCH(QString, settings);
-    QFETCH(bool, sw1);
-    QFETCH(bool, sw2);
-    QFETCH(bool, sw3);
-    QCOMPARE(BaudToSwitches(settings), (std::array<bool, 3>{sw1, sw2, sw3}));
-}
-
-void ModemParamsTest::baudWithoutCommaIsAnInvalidCall()
-{
-    try {
-        BaudToSwitches(QStringLiteral("9600"));
-        QFAIL("a rate without a comma was taken");
-    } catch (const AppError &error) {
-        QCOMPARE(error.number, AppErrors::InvalidProcedureCall);
+    void closedPortShowsTheBoxForTheSendAndForTheCut()
+    {
+        SessionRig rig(CommControl::kAutoProcessProgram);
+        rig.port.setPortOpen(false);
+        rig.prompts
+            .expectMsgBox(appErrorText(
+                {AppErrors::PortNotOpen, QStringLiteral("Operation valid only when the port is open")}))
+            .withIcon(MsgIcon::Critical);
+        expectCutFailures(rig.prompts, 1);
+        QCOMPARE(run(QStringLiteral("ReadSquelch"), rig.session), QStringLiteral("0"));
+        QVERIFY(rig.prompts.verify());
+        QCOMPARE(rig.prompts.shown().constLast().atMs, 5100);
     }
-}
 
-void ModemParamsTest::frameToSwitches_data()
-{
-    QTest::addColumn<QString>("settings");
-    QTest::addColumn<bool>("twoStopBits");
-    QTest::addColumn<bool>("parity");
-    QTest::addColumn<bool>("eightBits");
-    QTest::addColumn<bool>("odd");
-    QTest::newRow("n,8,1") << "9600,n,8,1" << false << false << true << false;
-    QTest::newRow("N,8,1") << "9600,N,8,1" << false << false << true << false;
-    QTest::newRow("O,7,2") << "9600,O,7,2" << true << true << false << true;
-    QTest::newRow("E,8,1") << "19200,E,8,1" << false << true << true << false;
-    QTest::newRow("e,7,1") << "1200,e,7,1" << false << true << false << false;
-    QTest::newRow("o,8,2") << "1200,o,8,2" << true << true << true << true;
-    QTest::newRow("mark parity") << "1200,m,8,1" << false << false << true << false;
-    QTest::newRow("data bits 6 count as 8") << "1200,n,6,1" << false << false << true << false;
-}
+    void simulated_data() { addRows(kSims); }
+    void simulated()
+    {
+        const SimCase &c = fetchRow(kSims);
+        sim::SimulatedModemLink link(scenario(c.scenario));
+        ScriptedPrompts prompts(&link.time());
+        ModemSession session(link.port(), link.time(), prompts);
+        if (QByteArray(c.scenario).contains("adaptor")) {
+            session.InitIrDongle();
+            QVERIFY(session.IrDongleActive);
+        }
+        link.port().clearEvents();
+        const qint64 start = link.time().elapsedMs();
+        expectCutFailures(prompts, c.boxes);
+        QString expected = QLatin1String(c.result);
+        for (const char *name : {"OPTION", "COMRATE"})
+            expected.replace(u'<' + QLatin1String(name) + u'>', link.local().value(QLatin1String(name)));
+        QCOMPARE(run(QLatin1String(c.reader), session), expected);
+        QVERIFY(prompts.verify());
+        const Reader &r = reader(QLatin1String(c.reader));
+        compareWrites(link.port(), r, session.IrDongleActive);
+        if (c.elapsedMs >= 0)
+            QCOMPARE(link.time().elapsedMs() - start, c.elapsedMs);
+    }
 
-void ModemParamsTest::frameToSwitches()
-{
-    QFETCH(QString, settings);
-    QFETCH(bool, twoStopBits);
-    QFETCH(bool, parity);
-    QFETCH(bool, eightBits);
-    QFETCH(bool, odd);
-    QCOMPARE(FrameToSwitches(settings), (std::array<bool, 4>{twoStopBits, parity, eightBits, odd}));
-}
+    void options()
+    {
+        for (int option = 0; option <= 255; ++option)
+            QCOMPARE(int(PackOptions(UnpackOptions(quint8(option)))), option);
+        QCOMPARE(UnpackOptions(34), (OptionBits{false, true, false, false, false, true, false, false}));
+        QVERIFY(optionBitSet(129, OptionFrequencyLock) && optionBitSet(129, OptionCanada));
+        QVERIFY(!optionBitSet(129, OptionNoiseSquelch) && optionBitSet(64, OptionNoiseSquelch));
+    }
 
-void ModemParamsTest::simIdentityOfTheUnit()
-{
-    sim::Scenario scenario = scenarioWith({{QStringLiteral("ECHO"), QStringLiteral("OFF")}});
-    scenario.modems[0].model = QStringLiteral("Q4Y");
-    scenario.modems[0].option = 34;
-    scenario.modems[0].serial = 11000;
-    scenario.modems[0].version = QStringLiteral("2.07");
-    SimRig rig(scenario);
-    QString model, version, option, serial, network;
-    ReadModelInfo(rig.session, model, version, option);
-    ReadSerialNumber(rig.session, serial);
-    ReadNetworkId(rig.session, network);
-    QCOMPARE(model, QStringLiteral("Q4Y"));
-    QCOMPARE(version, QStringLiteral("2.07"));
-    QCOMPARE(option, QStringLiteral("34"));
-    QCOMPARE(serial, QStringLiteral("11000"));
-    QCOMPARE(network, rig.truth("NETWORK"));
-    QCOMPARE(rig.writes(), split("Model\\r|Option\\r|Version\\r|s/n\\r|net\\r"));
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemParamsTest::simFactoryEchoSpoilsTheVersionCut()
-{
-    // With the factory echo the version reply begins "Version" and its return, so the line end
-    // searched from where "MODEL" stood behind the shorter echo "Model" comes before the value.
-    SimRig rig;
-    rig.expectCutFailures(1);
-    QString model, version, option;
-    ReadModelInfo(rig.session, model, version, option);
-    QCOMPARE(model, rig.link.local().model());
-    QCOMPARE(option, rig.truth("OPTION"));
-    QCOMPARE(version, QString());
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemParamsTest::simConfigurationAndTiming()
-{
-    SimRig rig(scenarioWith({{QStringLiteral("ADDRESS"), QStringLiteral("12")},
-                             {QStringLiteral("SETCONNECT"), QStringLiteral("40,41,12")},
-                             {QStringLiteral("ASQUELCH"), QStringLiteral("20")},
-                             {QStringLiteral("RFLOW"), QStringLiteral("ON")},
-                             {QStringLiteral("RXMARK"), QStringLiteral("5")},
-                             {QStringLiteral("RFPOWER"), QStringLiteral("1")},
-                             {QStringLiteral("DATARATE"), QStringLiteral("64")},
-                             {QStringLiteral("RXDATA"), QStringLiteral("3")},
-                             {QStringLiteral("TXFLAG"), QStringLiteral("2")},
-                             {QStringLiteral("TXEND"), QStringLiteral("4")},
-                             {QStringLiteral("FRACK"), QStringLiteral("60")}}));
-    QString address, setcon, asquelch, rflow, rxmark, comrate, rfpower;
-    ReadConfiguration(rig.session, address, setcon, asquelch, rflow, rxmark, comrate, rfpower);
-    QCOMPARE(address, QStringLiteral("12"));
-    QCOMPARE(setcon, QStringLiteral("40,41,12"));
-    QCOMPARE(asquelch, QStringLiteral("20"));
-    QCOMPARE(rflow, QStringLiteral("ON"));
-    QCOMPARE(rxmark, QStringLiteral("5"));
-    QCOMPARE(comrate, rig.truth("COMRATE"));
-    QCOMPARE(rfpower, QStringLiteral("1"));
-
-    QString datarate, rxdata, txflag, txend, frack;
-    ReadRadioTiming(rig.session, datarate, rxdata, txflag, txend, frack);
-    QCOMPARE((QStringList{datarate, rxdata, txflag, txend, frack}),
-             (QStringList{QStringLiteral("64"), QStringLiteral("3"), QStringLiteral("2"), QStringLiteral("4"),
-                          QStringLiteral("60")}));
-    QVERIFY(rig.prompts.verify());
-    QCOMPARE(rig.writes(),
-             split("add\\r|setc\\r|asquelch\\r|rflow\\r|rxmark\\r|rfp\\r|comrate\\r|datarate\\r|rxd\\r|"
-                   "txf\\r|txe\\r|frack\\r"));
-}
-
-void ModemParamsTest::simSquelchAndLatches()
-{
-    SimRig rig(scenarioWith({{QStringLiteral("SQUELCH"), QStringLiteral("44")},
-                             {QStringLiteral("ASQUELCH"), QStringLiteral("9")},
-                             {QStringLiteral("SEL/A1"), QStringLiteral("60")},
-                             {QStringLiteral("SEL/N1"), QStringLiteral("47616")},
-                             {QStringLiteral("SEL/N2"), QStringLiteral("0")}}));
-    double squelch = -1, asquelch = -1;
-    ReadSquelch(rig.session, squelch);
-    ReadAsquelch(rig.session, asquelch);
-    QCOMPARE(squelch, 44.0);
-    QCOMPARE(asquelch, 9.0);
-    double a1 = -1, n1 = -1, n2 = -1, latchSquelch = -1;
-    ReadLatches(rig.session, a1, n1, n2, latchSquelch);
-    QCOMPARE(a1, 60.0);
-    QCOMPARE(n1, 47616.0);
-    QCOMPARE(n2, 0.0);
-    QCOMPARE(latchSquelch, 44.0);
-    QVERIFY(rig.prompts.verify());
-    QCOMPARE(rig.writes(), split("Squelch\\r|asquelch\\r|sel/a1\\r|sel/n1\\r|sel/n2\\r|squelch\\r"));
-}
-
-void ModemParamsTest::simRoutesBecomeCommands()
-{
-    sim::Scenario scenario = sim::Scenario::standard();
-    scenario.modems[0].routes = {QStringLiteral("1,5,"), QStringLiteral("2,40,41,12")};
-    scenario.modems[0].appends = {QStringLiteral("1,1,25,28,*")};
-    SimRig rig(scenario);
-    QStringList commands;
-    ReadRoutes(rig.session, commands);
-    QCOMPARE(commands, (QStringList{QStringLiteral("ROUTE 1,5,"), QStringLiteral("ROUTE 2,40,41,12"),
-                                    QStringLiteral("APPEND 1,1,25,28,*")}));
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemParamsTest::simQuietChannelReadsClosed()
-{
-    SimRig rig;
-    QVERIFY(!ReadInout(rig.session));
-    QCOMPARE(rig.writes(), split("inout 0,5\\r"));
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemParamsTest::simDeadModem()
-{
-    sim::Scenario scenario = sim::Scenario::standard();
-    scenario.modems[0].dead = true;
-    SimRig rig(scenario);
-    rig.expectCutFailures(3);
-    QString model, version, option;
-    ReadModelInfo(rig.session, model, version, option);
-    QCOMPARE((QStringList{model, version, option}), (QStringList{QString(), QString(), QString()}));
-    QCOMPARE(rig.link.time().elapsedMs(), 15300);
-    QVERIFY(rig.prompts.verify());
-
-    rig.expectCutFailures(4);
-    double a1 = 0, n1 = 0, n2 = 0, squelch = 0;
-    ReadLatches(rig.session, a1, n1, n2, squelch);
-    QCOMPARE((QList<double>{a1, n1, n2, squelch}), (QList<double>{0, 0, 0, 0}));
-    QCOMPARE(rig.link.time().elapsedMs(), 15300 + 4 * 5100);
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemParamsTest::simOverTheAdaptor()
-{
-    sim::Scenario scenario = scenarioWith({{QStringLiteral("SQUELCH"), QStringLiteral("44")}});
-    scenario.irAdaptor = true;
-    SimRig rig(scenario);
-    rig.session.InitIrDongle();
-    QVERIFY(rig.session.IrDongleActive);
-    rig.link.port().clearEvents();
-
-    // One character at a time gets through the adaptor.
-    double squelch = 0;
-    ReadSquelch(rig.session, squelch);
-    QCOMPARE(squelch, 44.0);
-    QCOMPARE(rig.writes(), slowed(split("squelch\\r")));
-    QVERIFY(rig.prompts.verify());
-
-    // The model information goes in one write all the same, and the adaptor passes only the first
-    // character of each: the modem never sees a whole command and stays silent.
-    rig.expectCutFailures(3);
-    QString model, version, option;
-    ReadModelInfo(rig.session, model, version, option);
-    QCOMPARE((QStringList{model, version, option}), (QStringList{QString(), QString(), QString()}));
-    QVERIFY(rig.prompts.verify());
-}
+    void rules_data() { addRows(kRules); }
+    void rules()
+    {
+        const Rule &r = fetchRow(kRules);
+        const QString a = QString::fromLatin1(r.argument);
+        const auto bits = [](const auto &switches) {
+            QString text;
+            for (const bool on : switches)
+                text += on ? u'1' : u'0';
+            return text;
+        };
+        const QString rule = QLatin1String(r.rule);
+        QCOMPARE(outcome([&] {
+                     if (rule == u"optionByte")
+                         return QString::number(optionByte(a));
+                     if (rule == u"HexToDecimal")
+                         return HexToDecimal(a);
+                     if (rule == u"MakeTestPattern")
+                         return MakeTestPattern(a.toInt());
+                     return rule == u"BaudToSwitches" ? bits(BaudToSwitches(a)) : bits(FrameToSwitches(a));
+                 }),
+                 QLatin1String(r.result));
+    }
+};
 
 QTEST_GUILESS_MAIN(ModemParamsTest)
 #include "ModemParamsTest.moc"

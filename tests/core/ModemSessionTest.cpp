@@ -1,42 +1,240 @@
 #include "ModemSession.h"
-#include "AppError.h"
-#include "MemoryCommControl.h"
-#include "ScriptedModem.h"
-#include "ScriptedPrompts.h"
-#include "SessionRig.h"
-#include "TimeSource.h"
 
-#include <QTest>
+#include "SessionRig.h"
+#include "Tables.h"
 
 namespace {
-const QString kQuestion = QStringLiteral(
-    "The Varnel is not detected on the selected comm port.  Would you like to initialize the IR Dongel?");
-const QString kSwitchBox = QStringLiteral(
-    "Not communicating.  Make sure last switch on switch block (#8 or #2) is down.  Then reset.");
-const QString kLongFinal = QStringLiteral(
-    "No Communication with the connected Varnel.  Verify all cable connections and try again.");
-
-QString hexBytes(const QByteArray &bytes)
+// The boxes of the entry routines, by the names the scenarios give them.
+struct BoxLook
 {
-    return QString::fromLatin1(bytes.toHex(' '));
-}
-
-struct Rig : SessionRig
-{
-    Rig() : SessionRig(CommControl::kAutoProcessTerminal) {}
-
-    // The writes with the virtual time of each, as "ms:bytes" in hexadecimal.
-    QStringList transcript() const { return SessionRig::transcript(hexBytes); }
+    const char *key;
+    const char *text;
+    MsgButtons buttons;
+    MsgIcon icon;
+    const char *title;
 };
 
-QString hex(const char *text)
+const char *const kLongFinal =
+    "No Communication with the connected Varnel.  Verify all cable connections and try again.";
+
+const BoxLook kBoxes[] = {
+    {"dongle?",
+     "The Varnel is not detected on the selected comm port.  Would you like to initialize the IR Dongel?",
+     MsgButtons::YesNo, MsgIcon::None, ""},
+    {"switch", "Not communicating.  Make sure last switch on switch block (#8 or #2) is down.  Then reset.",
+     MsgButtons::AbortRetryIgnore, MsgIcon::Exclamation, ""},
+    {"unable", kLongFinal, MsgButtons::OkOnly, MsgIcon::Exclamation, "Unable to find Varnel"},
+    {"keep unable", "No Communication", MsgButtons::OkOnly, MsgIcon::Exclamation, "Unable to find Varnel"},
+    {"bit 8", "Not communicating.  Make sure bit 8 on switch  block is down.  Then reset.",
+     MsgButtons::RetryCancel, MsgIcon::None, "Unable to get Communication"},
+    {"keep retry", "Not communicating.  Check all connections, reset modem,  press the Retry button.",
+     MsgButtons::RetryCancel, MsgIcon::None, "Unable to get Communication"},
+    {"get find", "No Communication", MsgButtons::OkOnly, MsgIcon::Exclamation, "Unable to get find Varnel."},
+    {"keep get find", kLongFinal, MsgButtons::OkOnly, MsgIcon::Exclamation, "Unable to get find Varnel."},
+    {"dongle silent", "The Infra-Red Dongle is not responding", MsgButtons::OkOnly, MsgIcon::None, ""},
+};
+
+// The far end's canned answers, by name: what it hears, what it says, how much later.
+struct Answer
 {
-    return QString::fromLatin1(QByteArray(text).toHex(' '));
+    const char *key;
+    const char *trigger;
+    const char *reply;
+    int delayMs;
+};
+
+const Answer kAnswers[] = {
+    {"prompt", "\x03", "\r\nCMD:", 20},
+    {"unit address", "FA\r", "\r\nUnit Address? \r\nCMD:", 40},
+    {"adaptor", "\xC0", "\xC2", 10},
+    // A modem in a data mode ignores the lone Ctrl-C but echoes a line for the carriage return.
+    {"any line", "\x03\r", "garbage\r\n", 50},
+};
+
+// An entry routine against a far end (answers by name) and a user (the answers to the boxes in
+// turn): the timeline of writes, line settings, control lines and boxes, with their times, and after
+// it "result AutoProcess settings adaptor dtr rts".
+struct Entry
+{
+    const char *name;
+    const char *routine;
+    const char *answers;
+    const char *user;
+    const char *timeline;
+    const char *after;
+    qint64 elapsedMs;
+    bool closedPort = false;
+};
+
+const Entry kEntries[] = {
+    {"prompt at the first Ctrl-C", "EnterCommandMode", "prompt", "", "0:<03>",
+     "yes 3 19200,n,8,1 off dtr rts", 100},
+    {"factory default when Ctrl-C is missed", "EnterCommandMode", "unit address", "", "0:<03> | 1000:FA\\r",
+     "yes 3 19200,n,8,1 off dtr rts", 1100},
+    {"silent, no adaptor, retry", "EnterCommandMode", "", "No Retry Ok",
+     "0:<03> | 1000:FA\\r | 2000:dongle? | 2000:FA\\r | 4000:switch | 4000:<03>FA\\r | 6000:unable",
+     "no 0 19200,n,8,1 off dtr rts", 6000},
+    {"silent, no adaptor, abort", "EnterCommandMode", "", "No Abort",
+     "0:<03> | 1000:FA\\r | 2000:dongle? | 2000:FA\\r | 4000:switch", "no 3 19200,n,8,1 off dtr rts", 4000},
+    {"closed port: boxes, no failure", "EnterCommandMode", "", "No Retry Ok",
+     "2000:dongle? | 4000:switch | 6000:unable", "no 0 19200,n,8,1 off dtr rts", 6000, true},
+    {"adaptor silent", "EnterCommandMode", "", "Yes Ok",
+     "0:<03> | 1000:FA\\r | 2000:dongle? | 2000:settings 9600,n,8,1 | 2000:dtr 1 rts 0 | 2030:dtr 1 rts 1 | "
+     "2030:dtr 0 rts 1 | 2030:<D1> | 2030:<C0> | 2230:dongle silent | 2230:settings 19200,n,8,1 | "
+     "2230:dtr 0 rts 1 | 2230:dtr 1 rts 1",
+     "no 3 19200,n,8,1 off dtr rts", 2230},
+    {"adaptor up, modem silent, cancel", "EnterCommandMode", "adaptor", "Yes Cancel",
+     "0:<03> | 1000:FA\\r | 2000:dongle? | 2000:adaptor up | 2230:<03> | 4230:bit 8",
+     "no 3 9600,n,8,1 on dtr rts", 4230},
+    {"adaptor up, modem silent, retry", "EnterCommandMode", "adaptor", "Yes Retry Ok",
+     "0:<03> | 1000:FA\\r | 2000:dongle? | 2000:adaptor up | 2230:<03> | 4230:bit 8 | 4230:<03>FA\\r | "
+     "6230:get find",
+     "no 3 9600,n,8,1 on dtr rts", 6230},
+    {"keep: never a factory default", "EnterCommandModeKeep", "", "No Ignore Ok",
+     "0:<03> | 1000:<03>\\r | 2000:dongle? | 2000:<03> | 4000:switch | 4000:<03>\\r | 6000:keep unable",
+     "no 0 19200,n,8,1 off dtr rts", 6000},
+    {"keep: adaptor up, modem silent, retry", "EnterCommandModeKeep", "adaptor", "Yes Retry Ok",
+     "0:<03> | 1000:<03>\\r | 2000:dongle? | 2000:adaptor up | 2230:<03> | 4230:keep retry | 4230:<03>\\r | "
+     "6230:keep get find",
+     "no 3 9600,n,8,1 on dtr rts", 6230},
+    {"keep: any line will do", "EnterCommandModeKeep", "any line", "", "0:<03> | 1000:<03>\\r",
+     "yes 3 19200,n,8,1 off dtr rts", 1100},
+    {"probe: quiet, then factory default", "ProbeCommandPrompt", "", "", "0:<03> | 1000:FA\\r",
+     "no 3 19200,n,8,1 off dtr rts", 2000},
+    {"probe: prompt", "ProbeCommandPrompt", "prompt", "", "0:<03>", "yes 3 19200,n,8,1 off dtr rts", 100},
+    {"probe: factory default", "ProbeCommandPrompt", "unit address", "", "0:<03> | 1000:FA\\r",
+     "yes 3 19200,n,8,1 off dtr rts", 1100},
+    {"adaptor start-up", "InitIrDongle", "adaptor", "", "0:adaptor up", "- 0 9600,n,8,1 on dtr rts", 230},
+};
+
+QStringList items(const char *list)
+{
+    return QString::fromLatin1(list).split(QStringLiteral(" | "), Qt::SkipEmptyParts);
 }
 
-QString at(qint64 ms, const char *text)
+// The adaptor's start-up from time t, as it should go, shown as "t:adaptor up".
+QStringList adaptorUp(qint64 t)
 {
-    return QStringLiteral("%1:%2").arg(ms).arg(hex(text));
+    QStringList lines;
+    for (const char *step : {"0:settings 9600,n,8,1", "0:dtr 1 rts 0", "30:dtr 1 rts 1", "30:dtr 0 rts 1",
+                             "30:<D1>", "30:<C0>", "130:<D0>", "130:<03>", "130:E", "230:dtr 1 rts 1"})
+        lines << QStringLiteral("%1:%2").arg(t + atoi(step)).arg(QLatin1String(strchr(step, ':') + 1));
+    return lines;
+}
+
+// The wire as "ms:what" (writes, line settings, control lines), with the boxes shown between.
+QStringList timeline(const MemoryCommControl &port, const QList<std::pair<qsizetype, QString>> &boxes)
+{
+    QStringList lines;
+    const QList<WireEvent> &events = port.events();
+    for (qsizetype i = 0, b = 0; i <= events.size(); ++i) {
+        for (; b < boxes.size() && boxes[b].first == i; ++b)
+            lines << boxes[b].second;
+        if (i == events.size())
+            break;
+        const WireEvent &e = events[i];
+        if (e.kind == WireEvent::Kind::Write)
+            lines << QStringLiteral("%1:%2").arg(e.atMs).arg(SessionRig::shown(e.bytes));
+        else if (e.kind == WireEvent::Kind::Settings)
+            lines << QStringLiteral("%1:settings %2").arg(e.atMs).arg(QLatin1String(e.bytes));
+        else if (e.kind == WireEvent::Kind::ControlLines)
+            lines << QStringLiteral("%1:dtr %2 rts %3").arg(e.atMs).arg(e.dtr).arg(e.rts);
+    }
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        const qint64 t = lines[i].section(u':', 0, 0).toLongLong();
+        if (lines.mid(i, 10) == adaptorUp(t)) {
+            lines.remove(i + 1, 9);
+            lines[i] = QStringLiteral("%1:adaptor up").arg(t);
+        }
+    }
+    return lines;
+}
+
+QString yes(bool value)
+{
+    return value ? QStringLiteral("yes") : QStringLiteral("no");
+}
+
+// A primitive on a line that delivers some bytes at once and others later ("bytes@ms"): its result,
+// what waits unread after it, the time it took, and the writes when they are given.
+struct Wait
+{
+    const char *name;
+    const char *call;
+    const char *now;
+    const char *later;
+    const char *result;
+    qint64 elapsedMs;
+    int autoProcess = 0;
+    const char *writes = nullptr;
+};
+
+const Wait kWaits[] = {
+    {"reply: shorter than one step", "reply 99", "CMD:", "", "no, 4 left", 0},
+    {"reply: steps of 100 ms", "reply 250", "", "", "no, 0 left", 200},
+    {"reply: split prompt", "reply 1000", "", "\r\nCM@50 | D:@150", "yes, 0 left", 200},
+    {"checked: refusal seen after the loop", "checked", "", "INVALID\r\nCMD:@30", "no, 0 left", 100},
+    {"checked: ambiguous", "checked", "", "AMBIGUOUS\r\nCMD:@30", "no, 0 left", 100},
+    {"checked: refusal without prompt", "checked", "", "INVALID\r\n@30", "no, 0 left", 1000},
+    {"checked: accepted", "checked", "", "\r\nCMD:@30", "yes, 0 left", 100},
+    {"polled: failure", "polled 3000", "", "12 SS03 \r@250", "found no failed yes, 0 left", 300},
+    {"polled: found", "polled 3000", "", "12 SS00 \r@250", "found yes failed no, 0 left", 300},
+    {"polled: silent", "polled 500", "", "", "found no failed no, 0 left", 500},
+    {"bytes: silent, from the terminal", "bytes", "", "", ", 0 left", 5100, 3},
+    {"bytes: as many as asked are not enough", "bytes", "0123456789", "", ", 10 left", 5200},
+    // The reply has begun; it is whole once two looks a step apart agree.
+    {"bytes: a gap ends the reply", "bytes, then more", "",
+     "aaaaaaaaaaaaaaaaaaaa@50 | bbbbbbbbbbbbbbbbbbbb@400",
+     "aaaaaaaaaaaaaaaaaaaa|bbbbbbbbbbbbbbbbbbbb, 0 left", 500},
+    {"bytes ok: silent", "bytes ok", "", "", "no, 0 left", 5100, 3},
+    {"bytes ok: as many as asked are not enough", "bytes ok", "0123456789", "", "no, 10 left", 5100},
+    // ok stays as the caller set it when the bytes were there at the first look; settling takes 5 ms steps.
+    {"bytes ok: there at once", "bytes ok, preset no", "MODEL     = Q4U\r\n", "", "no, 17 left", 5},
+    {"bytes ok: later", "bytes ok, preset no", "", "MODEL     = Q4U\r\n@150", "yes, 17 left", 205},
+    {"command over the adaptor: a character at a time", "adaptor: Squelch", "stale", "", ", 0 left", 8, 0,
+     "0:S | 1:q | 2:u | 3:e | 4:l | 5:c | 6:h | 7:\\r"},
+    {"command over the cable", "Squelch", "stale", "", ", 0 left", 0, 0, "0:Squelch\\r"},
+    {"command in one write over the adaptor", "adaptor: one write", "", "", ", 0 left", 0, 0, "0:Model\\r"},
+    {"text as it stands over the adaptor", "adaptor: text", "stale", "", ", 5 left", 2, 0, "0:a | 1:b"},
+    {"closed port: the write fails", "closed", "", "", "error 8018, 0 left", 0},
+};
+
+QString call(ModemSession &s, const QString &how)
+{
+    const int ms = how.section(u' ', -1).toInt();
+    bool found = true, failed = true, ok = !how.endsWith(u"no");
+    s.IrDongleActive = how.startsWith(u"adaptor");
+    if (how.startsWith(u"reply"))
+        return yes(s.WaitForReply("CMD:", ms));
+    if (how == u"checked")
+        return yes(s.WaitForReplyChecked("CMD:", 1000));
+    if (how.startsWith(u"polled")) {
+        s.WaitForReplyPolled("SS00", ms, found, failed);
+        return QStringLiteral("found %1 failed %2").arg(yes(found), yes(failed));
+    }
+    if (how.startsWith(u"bytes ok")) {
+        s.WaitForBytesOk(10, ok);
+        return yes(ok);
+    }
+    if (how.startsWith(u"bytes")) {
+        s.WaitForBytes(10);
+        if (how == u"bytes")
+            return {};
+        const QByteArray first = s.Comm1().Input();
+        s.MsDelay(300);
+        return QString::fromLatin1(first + '|' + s.Comm1().Input());
+    }
+    if (how == u"closed")
+        s.Comm1().setPortOpen(false);
+    return outcome([&] {
+        if (how == u"adaptor: text")
+            s.sendText("ab");
+        else if (how == u"adaptor: one write")
+            s.sendCommand("Model", ModemSession::Way::OneWrite);
+        else
+            s.sendCommand(how.endsWith(u"Squelch") ? "Squelch" : "Model");
+        return QString();
+    });
 }
 } // namespace
 
@@ -44,384 +242,98 @@ class ModemSessionTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void modemAtPromptAnswersFirstCtrlC();
-    void modemThatMissesCtrlCGetsFactoryDefault();
-    void silentModemWithoutAdaptorEndsInFinalBox();
-    void abortOnSwitchBoxRestoresAutoProcess();
-    void adaptorThatDoesNotAnswer();
-    void adaptorUpButModemSilent();
-    void keepNeverSendsFactoryDefault();
-    void keepTakesAnyLineAfterCtrlC();
-    void probeIsQuietAndTriesFactoryDefault();
-    void closedPortEndsInBoxesNotErrors();
-
-    void waitForReplyPasses();
-    void waitForReplyFindsSplitPrompt();
-    void waitForReplyCheckedSeesRefusalOnlyAfterLoop();
-    void waitForReplyPolledStopsOnFailure();
-    void waitForBytesGivesUpAfterFiveSeconds();
-    void waitForBytesOkLeavesPresetWhenDataIsThere();
-    void settlingCutsAReplyWithAGap();
-
-    void adaptorSendsOneCharacterAtATime();
-    void initIrDongleTranscript();
-    void nestedWaitRearmsTheOneTimer();
-};
-
-void ModemSessionTest::modemAtPromptAnswersFirstCtrlC()
-{
-    Rig rig;
-    rig.modem.answer("\x03", "\r\nCMD:", 20);
-    QVERIFY(rig.session.EnterCommandMode());
-    QCOMPARE(rig.transcript(), QStringList{at(0, "\x03")});
-    QCOMPARE(rig.time.elapsedMs(), 100);
-    QCOMPARE(rig.port.AutoProcess(), 3);
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemSessionTest::modemThatMissesCtrlCGetsFactoryDefault()
-{
-    Rig rig;
-    rig.modem.answer("FA\r", "\r\nUnit Address? \r\nCMD:", 40);
-    QVERIFY(rig.session.EnterCommandMode());
-    QCOMPARE(rig.transcript(), (QStringList{at(0, "\x03"), at(1000, "FA\r")}));
-    QCOMPARE(rig.time.elapsedMs(), 1100);
-}
-
-void ModemSessionTest::silentModemWithoutAdaptorEndsInFinalBox()
-{
-    Rig rig;
-    rig.prompts.expectMsgBox(kQuestion, MsgAnswer::No).withButtons(MsgButtons::YesNo).withIcon(MsgIcon::None);
-    rig.prompts.expectMsgBox(kSwitchBox, MsgAnswer::Retry)
-        .withButtons(MsgButtons::AbortRetryIgnore)
-        .withIcon(MsgIcon::Exclamation);
-    rig.prompts.expectMsgBox(kLongFinal)
-        .withIcon(MsgIcon::Exclamation)
-        .withTitle(QStringLiteral("Unable to find Varnel"));
-
-    QVERIFY(!rig.session.EnterCommandMode());
-    QVERIFY(rig.prompts.verify());
-    QCOMPARE(rig.transcript(), (QStringList{at(0, "\x03"), at(1000, "FA\r"), at(2000, "FA\r"),
-                                            at(4000, "\x03"
-                                                     "FA\r")}));
-    const auto shown = rig.prompts.shown();
-    QCOMPARE(shown[0].atMs, 2000);
-    QCOMPARE(shown[1].atMs, 4000);
-    QCOMPARE(shown[2].atMs, 6000);
-    // The port stays in the program's hands after this box.
-    QCOMPARE(rig.port.AutoProcess(), 0);
-}
-
-void ModemSessionTest::abortOnSwitchBoxRestoresAutoProcess()
-{
-    Rig rig;
-    rig.prompts.expectMsgBox(kQuestion, MsgAnswer::No);
-    rig.prompts.expectMsgBox(kSwitchBox, MsgAnswer::Abort);
-    QVERIFY(!rig.session.EnterCommandMode());
-    QCOMPARE(rig.transcript().size(), 3);
-    QCOMPARE(rig.port.AutoProcess(), 3);
-    QVERIFY(rig.prompts.verify());
-}
-
-void ModemSessionTest::adaptorThatDoesNotAnswer()
-{
-    Rig rig;
-    rig.port.setSettings(QStringLiteral("19200,n,8,1"));
-    rig.prompts.expectMsgBox(kQuestion, MsgAnswer::Yes);
-    rig.prompts.expectMsgBox(QStringLiteral("The Infra-Red Dongle is not responding"))
-        .withIcon(MsgIcon::None);
-    QVERIFY(!rig.session.EnterCommandMode());
-    QVERIFY(rig.prompts.verify());
-    QVERIFY(!rig.session.IrDongleActive);
-    QCOMPARE(rig.port.Settings(), QStringLiteral("19200,n,8,1"));
-    QVERIFY(rig.port.DTREnable());
-    QVERIFY(rig.port.RTSEnable());
-    QCOMPARE(rig.port.AutoProcess(), 3);
-    QCOMPARE(rig.transcript(),
-             (QStringList{at(0, "\x03"), at(1000, "FA\r"), at(2030, "\xD1"), at(2030, "\xC0")}));
-}
-
-void ModemSessionTest::adaptorUpButModemSilent()
-{
-    for (const MsgAnswer answer : {MsgAnswer::Cancel, MsgAnswer::Retry}) {
-        Rig rig;
-        rig.modem.answer("\xC0", "\xC2", 10);
-        rig.prompts.expectMsgBox(kQuestion, MsgAnswer::Yes);
-        rig.prompts
-            .expectMsgBox(
-                QStringLiteral("Not communicating.  Make sure bit 8 on switch  block is down.  Then reset."),
-                answer)
-            .withTitle(QStringLiteral("Unable to get Communication"))
-            .withButtons(MsgButtons::RetryCancel);
-        if (answer == MsgAnswer::Retry)
-            rig.prompts.expectMsgBox(QStringLiteral("No Communication"))
-                .withIcon(MsgIcon::Exclamation)
-                .withTitle(QStringLiteral("Unable to get find Varnel."));
-        QVERIFY(!rig.session.EnterCommandMode());
-        QVERIFY(rig.prompts.verify());
-        QVERIFY(rig.session.IrDongleActive);
-        QCOMPARE(rig.port.Settings(), QStringLiteral("9600,n,8,1"));
-        QCOMPARE(rig.port.AutoProcess(), 3);
-        QStringList expected{at(0, "\x03"),    at(1000, "FA\r"), at(2030, "\xD1"), at(2030, "\xC0"),
-                             at(2130, "\xD0"), at(2130, "\x03"), at(2130, "\x45"), at(2230, "\x03")};
-        if (answer == MsgAnswer::Retry)
-            expected << at(4230, "\x03"
-                                 "FA\r");
-        QCOMPARE(rig.transcript(), expected);
-    }
-}
-
-void ModemSessionTest::keepNeverSendsFactoryDefault()
-{
+    void entries_data() { addRows(kEntries); }
+    void entries()
     {
-        Rig rig;
-        rig.prompts.expectMsgBox(kQuestion, MsgAnswer::No);
-        rig.prompts.expectMsgBox(kSwitchBox, MsgAnswer::Ignore);
-        rig.prompts.expectMsgBox(QStringLiteral("No Communication"))
-            .withIcon(MsgIcon::Exclamation)
-            .withTitle(QStringLiteral("Unable to find Varnel"));
-        QVERIFY(!rig.session.EnterCommandModeKeep());
-        QVERIFY(rig.prompts.verify());
-        QCOMPARE(rig.transcript(),
-                 (QStringList{at(0, "\x03"), at(1000, "\x03\r"), at(2000, "\x03"), at(4000, "\x03\r")}));
-        QCOMPARE(rig.port.AutoProcess(), 0);
-    }
-    {
-        Rig rig;
-        rig.modem.answer("\xC0", "\xC2", 10);
-        rig.prompts.expectMsgBox(kQuestion, MsgAnswer::Yes);
-        rig.prompts
-            .expectMsgBox(
-                QStringLiteral(
-                    "Not communicating.  Check all connections, reset modem,  press the Retry button."),
-                MsgAnswer::Retry)
-            .withTitle(QStringLiteral("Unable to get Communication"));
-        rig.prompts.expectMsgBox(kLongFinal).withTitle(QStringLiteral("Unable to get find Varnel."));
-        QVERIFY(!rig.session.EnterCommandModeKeep());
-        QVERIFY(rig.prompts.verify());
-        QVERIFY(!rig.port.written().contains("FA"));
-        QCOMPARE(rig.port.AutoProcess(), 3);
-    }
-}
-
-void ModemSessionTest::keepTakesAnyLineAfterCtrlC()
-{
-    Rig rig;
-    // A modem in a data mode ignores the lone Ctrl-C but echoes a line for the carriage return.
-    rig.modem.answer("\x03\r", "garbage\r\n", 50);
-    QVERIFY(rig.session.EnterCommandModeKeep());
-    QCOMPARE(rig.transcript(), (QStringList{at(0, "\x03"), at(1000, "\x03\r")}));
-    QCOMPARE(rig.time.elapsedMs(), 1100);
-}
-
-void ModemSessionTest::probeIsQuietAndTriesFactoryDefault()
-{
-    Rig rig;
-    QVERIFY(!rig.session.ProbeCommandPrompt());
-    QCOMPARE(rig.transcript(), (QStringList{at(0, "\x03"), at(1000, "FA\r")}));
-    QCOMPARE(rig.time.elapsedMs(), 2000);
-    QCOMPARE(rig.port.AutoProcess(), 3);
-    QVERIFY(rig.prompts.verify());
-
-    Rig answering;
-    answering.modem.answer("\x03", "CMD:");
-    QVERIFY(answering.session.ProbeCommandPrompt());
-}
-
-void ModemSessionTest::closedPortEndsInBoxesNotErrors()
-{
-    Rig rig;
-    rig.port.setPortOpen(false);
-    rig.prompts.expectMsgBox(kQuestion, MsgAnswer::No);
-    rig.prompts.expectMsgBox(kSwitchBox, MsgAnswer::Retry);
-    rig.prompts.expectMsgBox(kLongFinal);
-    QVERIFY(!rig.session.EnterCommandMode());
-    QVERIFY(rig.prompts.verify());
-    QCOMPARE(rig.time.elapsedMs(), 6000);
-
-    // Outside the entry routines the failed write reaches the caller's handler.
-    try {
-        rig.session.sendCommand("Model");
-        QFAIL("a write to a closed port must fail");
-    } catch (const AppError &error) {
-        QCOMPARE(error.number, AppErrors::PortNotOpen);
-    }
-}
-
-void ModemSessionTest::waitForReplyPasses()
-{
-    Rig rig;
-    rig.port.setAutoProcess(0);
-    rig.port.feed("CMD:");
-    QVERIFY(!rig.session.WaitForReply("CMD:", 99));
-    QCOMPARE(rig.time.elapsedMs(), 0);
-    QCOMPARE(rig.port.InBufferCount(), 4);
-
-    rig.port.Input();
-    QVERIFY(!rig.session.WaitForReply("CMD:", 250));
-    QCOMPARE(rig.time.elapsedMs(), 200);
-}
-
-void ModemSessionTest::waitForReplyFindsSplitPrompt()
-{
-    Rig rig;
-    rig.port.setAutoProcess(0);
-    rig.modem.sendLater("\r\nCM", 50);
-    rig.modem.sendLater("D:", 150);
-    QVERIFY(rig.session.WaitForReply("CMD:", 1000));
-    QCOMPARE(rig.time.elapsedMs(), 200);
-}
-
-void ModemSessionTest::waitForReplyCheckedSeesRefusalOnlyAfterLoop()
-{
-    Rig rig;
-    rig.port.setAutoProcess(0);
-    rig.modem.sendLater("INVALID\r\nCMD:", 30);
-    QVERIFY(!rig.session.WaitForReplyChecked("CMD:", 1000));
-    QCOMPARE(rig.time.elapsedMs(), 100);
-
-    Rig refusing;
-    refusing.port.setAutoProcess(0);
-    refusing.modem.sendLater("INVALID\r\n", 30);
-    QVERIFY(!refusing.session.WaitForReplyChecked("CMD:", 1000));
-    QCOMPARE(refusing.time.elapsedMs(), 1000);
-
-    Rig accepting;
-    accepting.port.setAutoProcess(0);
-    accepting.modem.sendLater("\r\nCMD:", 30);
-    QVERIFY(accepting.session.WaitForReplyChecked("CMD:", 1000));
-}
-
-void ModemSessionTest::waitForReplyPolledStopsOnFailure()
-{
-    Rig rig;
-    rig.port.setAutoProcess(0);
-    rig.modem.sendLater("12 SS03 \r", 250);
-    bool found = true, failed = false;
-    rig.session.WaitForReplyPolled("SS00", 3000, found, failed);
-    QVERIFY(!found);
-    QVERIFY(failed);
-    QCOMPARE(rig.time.elapsedMs(), 300);
-
-    rig.session.WaitForReplyPolled("SS00", 500, found, failed);
-    QVERIFY(!found);
-    QVERIFY(!failed);
-}
-
-void ModemSessionTest::waitForBytesGivesUpAfterFiveSeconds()
-{
-    Rig rig;
-    rig.session.WaitForBytes(10);
-    QCOMPARE(rig.port.AutoProcess(), 0);
-    QCOMPARE(rig.time.elapsedMs(), 5100);
-
-    Rig ok;
-    bool fine = true;
-    ok.session.WaitForBytesOk(10, fine);
-    QVERIFY(!fine);
-    QCOMPARE(ok.time.elapsedMs(), 5100);
-}
-
-void ModemSessionTest::waitForBytesOkLeavesPresetWhenDataIsThere()
-{
-    Rig rig;
-    rig.port.setAutoProcess(0);
-    rig.port.feed("MODEL     = Q4U\r\n");
-    bool ok = false;
-    rig.session.WaitForBytesOk(10, ok);
-    QVERIFY(!ok);
-    // Only the 5 ms settling steps ran.
-    QCOMPARE(rig.time.elapsedMs(), 5);
-
-    Rig later;
-    later.modem.sendLater("MODEL     = Q4U\r\n", 150);
-    later.session.WaitForBytesOk(10, ok);
-    QVERIFY(ok);
-    QCOMPARE(later.time.elapsedMs(), 205);
-}
-
-void ModemSessionTest::settlingCutsAReplyWithAGap()
-{
-    Rig rig;
-    const QByteArray first(20, 'a'), second(20, 'b');
-    rig.modem.sendLater(first, 50);
-    rig.modem.sendLater(second, 400);
-    rig.session.WaitForBytes(10);
-    QCOMPARE(rig.port.Input(), first);
-    QCOMPARE(rig.time.elapsedMs(), 200);
-    rig.session.MsDelay(300);
-    QCOMPARE(rig.port.Input(), second);
-}
-
-void ModemSessionTest::adaptorSendsOneCharacterAtATime()
-{
-    Rig rig;
-    rig.session.IrDongleActive = true;
-    rig.port.feed("stale");
-    rig.session.sendCommand("Squelch");
-    QCOMPARE(rig.port.InBufferCount(), 0);
-    const QStringList writes = rig.transcript();
-    QCOMPARE(writes.size(), 8);
-    for (int i = 0; i < 8; ++i)
-        QCOMPARE(writes[i], QStringLiteral("%1:%2").arg(i).arg(
-                                QString::fromLatin1(QByteArray(1, "Squelch\r"[i]).toHex())));
-    QCOMPARE(rig.time.elapsedMs(), 8);
-
-    Rig cable;
-    cable.session.sendCommand("Squelch");
-    QCOMPARE(cable.port.writes(), QList<QByteArray>{"Squelch\r"});
-    cable.session.IrDongleActive = true;
-    cable.session.sendCommand("Model", ModemSession::Way::OneWrite);
-    QCOMPARE(cable.port.writes().last(), QByteArray("Model\r"));
-}
-
-void ModemSessionTest::initIrDongleTranscript()
-{
-    Rig rig;
-    rig.port.setAutoProcess(0);
-    rig.modem.answer("\xC0", "\xC2", 10);
-    rig.session.InitIrDongle();
-    QVERIFY(rig.session.IrDongleActive);
-    QStringList events;
-    for (const WireEvent &e : rig.port.events()) {
-        switch (e.kind) {
-        case WireEvent::Kind::Settings:
-            events << QStringLiteral("%1 settings %2").arg(e.atMs).arg(QString::fromLatin1(e.bytes));
-            break;
-        case WireEvent::Kind::ControlLines:
-            events << QStringLiteral("%1 dtr %2 rts %3").arg(e.atMs).arg(e.dtr).arg(e.rts);
-            break;
-        case WireEvent::Kind::Write:
-            events << QStringLiteral("%1 write %2").arg(e.atMs).arg(QString::fromLatin1(e.bytes.toHex()));
-            break;
-        default:
-            break;
+        const Entry &e = fetchRow(kEntries);
+        SessionRig rig(CommControl::kAutoProcessTerminal);
+        if (e.closedPort)
+            rig.port.setPortOpen(false);
+        for (const QString &key : items(e.answers)) {
+            for (const Answer &a : kAnswers)
+                if (key == QLatin1String(a.key))
+                    rig.modem.answer(a.trigger, a.reply, a.delayMs);
         }
+        const QStringList user = QString::fromLatin1(e.user).split(u' ', Qt::SkipEmptyParts);
+        const QStringList answerNames{QStringLiteral("Ok"),     QStringLiteral("Cancel"),
+                                      QStringLiteral("Abort"),  QStringLiteral("Retry"),
+                                      QStringLiteral("Ignore"), QStringLiteral("Yes"),
+                                      QStringLiteral("No")};
+        QList<std::pair<qsizetype, QString>> boxes;
+        int next = 0;
+        for (const QString &line : items(e.timeline)) {
+            for (const BoxLook &b : kBoxes) {
+                if (line.section(u':', 1) != QLatin1String(b.key))
+                    continue;
+                const auto answer = MsgAnswer(answerNames.indexOf(user.value(next++)));
+                rig.prompts.expectMsgBox(QLatin1String(b.text), answer)
+                    .withButtons(b.buttons)
+                    .withIcon(b.icon)
+                    .withTitle(QLatin1String(b.title))
+                    .then([&rig, &boxes, key = b.key] {
+                        boxes.append(
+                            {rig.port.events().size(),
+                             QStringLiteral("%1:%2").arg(rig.time.elapsedMs()).arg(QLatin1String(key))});
+                    });
+            }
+        }
+        QString result = QStringLiteral("-");
+        const QString routine = QLatin1String(e.routine);
+        if (routine == u"InitIrDongle") {
+            rig.port.setAutoProcess(0);
+            rig.session.InitIrDongle();
+        } else {
+            result = yes(routine == u"EnterCommandMode"       ? rig.session.EnterCommandMode()
+                         : routine == u"EnterCommandModeKeep" ? rig.session.EnterCommandModeKeep()
+                                                              : rig.session.ProbeCommandPrompt());
+        }
+        QVERIFY(rig.prompts.verify());
+        QCOMPARE(timeline(rig.port, boxes), items(e.timeline));
+        const auto word = [](bool on, const char *what) {
+            return on ? QLatin1String(what) : QLatin1String("-");
+        };
+        QCOMPARE(QStringLiteral("%1 %2 %3 %4 %5 %6")
+                     .arg(result)
+                     .arg(rig.port.AutoProcess())
+                     .arg(rig.port.Settings(),
+                          rig.session.IrDongleActive ? QStringLiteral("on") : QStringLiteral("off"),
+                          word(rig.port.DTREnable(), "dtr"), word(rig.port.RTSEnable(), "rts")),
+                 QLatin1String(e.after));
+        QCOMPARE(rig.time.elapsedMs(), e.elapsedMs);
     }
-    const QStringList expected{
-        QStringLiteral("0 settings 9600,n,8,1"), QStringLiteral("0 dtr 1 rts 0"),
-        QStringLiteral("30 dtr 1 rts 1"),        QStringLiteral("30 dtr 0 rts 1"),
-        QStringLiteral("30 write d1"),           QStringLiteral("30 write c0"),
-        QStringLiteral("130 write d0"),          QStringLiteral("130 write 03"),
-        QStringLiteral("130 write 45"),          QStringLiteral("230 dtr 1 rts 1"),
-    };
-    QCOMPARE(events, expected);
-    QCOMPARE(rig.port.Settings(), QStringLiteral("9600,n,8,1"));
-}
 
-void ModemSessionTest::nestedWaitRearmsTheOneTimer()
-{
-    VirtualTime time;
-    qint64 innerEnded = -1;
-    time.after(10, [&] {
-        time.MsDelay(20);
-        innerEnded = time.elapsedMs();
-    });
-    time.MsDelay(100);
-    // The wait begun inside the first re-armed the one timer: both ended when it fired.
-    QCOMPARE(innerEnded, 30);
-    QCOMPARE(time.elapsedMs(), 30);
-}
+    void waits_data() { addRows(kWaits); }
+    void waits()
+    {
+        const Wait &w = fetchRow(kWaits);
+        SessionRig rig(w.autoProcess);
+        rig.port.feed(w.now);
+        for (const QString &later : items(w.later))
+            rig.modem.sendLater(later.section(u'@', 0, 0).toLatin1(), later.section(u'@', 1).toInt());
+        rig.port.clearEvents();
+        const QString result = call(rig.session, QLatin1String(w.call));
+        QCOMPARE(QStringLiteral("%1, %2 left").arg(result).arg(rig.port.InBufferCount()),
+                 QLatin1String(w.result));
+        QCOMPARE(rig.time.elapsedMs(), w.elapsedMs);
+        QCOMPARE(rig.port.AutoProcess(), 0);
+        if (w.writes)
+            QCOMPARE(rig.transcript(), items(w.writes));
+    }
+
+    void nestedWaitRearmsTheOneTimer()
+    {
+        VirtualTime time;
+        qint64 innerEnded = -1;
+        time.after(10, [&] {
+            time.MsDelay(20);
+            innerEnded = time.elapsedMs();
+        });
+        time.MsDelay(100);
+        // The wait begun inside the first re-armed the one timer: both ended when it fired.
+        QCOMPARE(innerEnded, 30);
+        QCOMPARE(time.elapsedMs(), 30);
+    }
+};
 
 QTEST_GUILESS_MAIN(ModemSessionTest)
 #include "ModemSessionTest.moc"

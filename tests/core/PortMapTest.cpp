@@ -1,145 +1,110 @@
 #include "PortMap.h"
+
 #include "IniFile.h"
+#include "Tables.h"
 
-#include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
-#include <memory>
 
-using namespace Qt::StringLiterals;
+namespace {
+struct Order
+{
+    const char *name;
+    QList<const char *> system;
+    const char *ordered;
+};
+
+const Order kOrders[] = {
+    {"adapters before built-in ports",
+     {"/dev/ttyS0", "/dev/ttyUSB0", "/dev/ttyS1", "/dev/ttyACM0"},
+     "/dev/ttyACM0 /dev/ttyUSB0 /dev/ttyS0 /dev/ttyS1"},
+    {"natural order in each group",
+     {"/dev/ttyS10", "/dev/ttyUSB10", "/dev/ttyS2", "/dev/ttyUSB2", "/dev/ttyUSB1"},
+     "/dev/ttyUSB1 /dev/ttyUSB2 /dev/ttyUSB10 /dev/ttyS2 /dev/ttyS10"},
+    {"other built-in names",
+     {"/dev/ttyAMA0", "/dev/ttyS0", "/dev/ttyACM1"},
+     "/dev/ttyACM1 /dev/ttyAMA0 /dev/ttyS0"},
+    {"duplicates once", {"/dev/ttyS0", "/dev/ttyS0"}, "/dev/ttyS0"},
+    {"none", {}, ""},
+    // Texts compared one run of letters or digits at a time.
+    {"2 before 10", {"ttyUSB10", "ttyUSB2"}, "ttyUSB2 ttyUSB10"},
+    {"letters in alphabet order", {"ttyUSB0", "ttyACM5"}, "ttyACM5 ttyUSB0"},
+    {"prefix first", {"ttyS0", "ttyS"}, "ttyS ttyS0"},
+    {"a number before a letter", {"ttySa", "ttyS1"}, "ttyS1 ttySa"},
+    {"equal numbers, then the shorter", {"ttyS009x", "ttyS9"}, "ttyS9 ttyS009x"},
+    {"leading zeros tie broken plainly", {"ttyS1", "ttyS01"}, "ttyS01 ttyS1"},
+    {"later run decides", {"a1b10", "a1b9"}, "a1b9 a1b10"},
+};
+
+// The port map of the settings file, how many devices the system lists, a port number, its device.
+struct Mapping
+{
+    const char *name;
+    const char *file;
+    int devices;
+    int port;
+    const char *expected;
+};
+
+const char *const kMapFile = "[Port_Phone]\r\nComm Port=3\r\n[port map]\r\ncom3 = /tmp/varnel/modem-pty \r\n"
+                             "COM16=/dev/serial/by-id/usb-Varnel_Q40-if00\r\nCOM2=\r\nCOM17=/dev/never\r\n"
+                             "COM0=/dev/zero-port\r\nCOM-1=/dev/minus\r\n";
+
+const Mapping kMappings[] = {
+    {"first system port", "", 3, 1, "/dev/ttyUSB3"},
+    {"second system port", "", 3, 2, "/dev/ttyUSB12"},
+    {"built-in port after the adapters", "", 3, 3, "/dev/ttyS0"},
+    {"beyond the system ports", "", 3, 4, ""},
+    {"16 of twenty", "", 20, 16, "/dev/ttyS13"},
+    {"17 of twenty reaches nothing", "", 20, 17, ""},
+    {"unmapped is the system port", kMapFile, 3, 1, "/dev/ttyUSB3"},
+    {"an empty key maps nothing", kMapFile, 3, 2, "/dev/ttyUSB12"},
+    {"mapped, names without regard to case", kMapFile, 3, 3, "/tmp/varnel/modem-pty"},
+    {"mapped 16", kMapFile, 3, 16, "/dev/serial/by-id/usb-Varnel_Q40-if00"},
+    {"mapped 17 reaches nothing", kMapFile, 20, 17, ""},
+    {"mapped 0 reaches nothing", kMapFile, 20, 0, ""},
+    {"mapped -1 reaches nothing", kMapFile, 20, -1, ""},
+};
+
+QString names(const QStringList &list)
+{
+    return list.join(u' ');
+}
+} // namespace
 
 class PortMapTest : public QObject
 {
     Q_OBJECT
-
 private slots:
-    void init();
+    void orderSystemPorts_data() { addRows(kOrders); }
+    void orderSystemPorts()
+    {
+        const Order &o = fetchRow(kOrders);
+        QStringList system;
+        for (const char *location : o.system)
+            system << QString::fromLatin1(location);
+        QCOMPARE(names(::orderSystemPorts(system)), QLatin1String(o.ordered));
+        // The order does not depend on how the system happened to list them.
+        QCOMPARE(names(::orderSystemPorts(QStringList(system.rbegin(), system.rend()))),
+                 QLatin1String(o.ordered));
+        QVERIFY(system.isEmpty() || !naturalLess(system[0], system[0]));
+        if (system.size() == 2 && system[0] != system[1])
+            QCOMPARE(naturalLess(system[1], system[0]), !naturalLess(system[0], system[1]));
+    }
 
-    void naturalLess_data();
-    void naturalLess();
-    void orderSystemPorts_data();
-    void orderSystemPorts();
-    void systemPortsByNumber();
-    void mapSectionWins();
-    void numbersOutsideOneToSixteenReachNothing();
-
-private:
-    void writeFile(const QByteArray &bytes);
-    QString iniPath() const { return m_dir->filePath(u"varnel-utility.INI"_s); }
-
-    std::unique_ptr<QTemporaryDir> m_dir;
+    void devicePathForPort_data() { addRows(kMappings); }
+    void devicePathForPort()
+    {
+        const Mapping &m = fetchRow(kMappings);
+        QTemporaryDir dir;
+        const IniFile ini(dir.filePath(QStringLiteral("varnel-utility.INI")));
+        QVERIFY(writeBytes(ini.path(), m.file));
+        QStringList system{QStringLiteral("/dev/ttyS0"), QStringLiteral("/dev/ttyUSB3"),
+                           QStringLiteral("/dev/ttyUSB12")};
+        for (int i = 1; system.size() < m.devices; ++i)
+            system << QStringLiteral("/dev/ttyS%1").arg(i);
+        QCOMPARE(::devicePathForPort(ini, m.port, ::orderSystemPorts(system)), QLatin1String(m.expected));
+    }
 };
-
-void PortMapTest::init()
-{
-    m_dir = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_dir->isValid());
-}
-
-void PortMapTest::writeFile(const QByteArray &bytes)
-{
-    QFile file(iniPath());
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
-
-void PortMapTest::naturalLess_data()
-{
-    QTest::addColumn<QString>("a");
-    QTest::addColumn<QString>("b");
-    QTest::addColumn<bool>("less");
-
-    QTest::newRow("2 before 10") << u"ttyUSB2"_s << u"ttyUSB10"_s << true;
-    QTest::newRow("10 after 2") << u"ttyUSB10"_s << u"ttyUSB2"_s << false;
-    QTest::newRow("letters in alphabet order") << u"ttyACM5"_s << u"ttyUSB0"_s << true;
-    QTest::newRow("equal") << u"ttyS1"_s << u"ttyS1"_s << false;
-    QTest::newRow("prefix first") << u"ttyS"_s << u"ttyS0"_s << true;
-    QTest::newRow("equal numbers, then the shorter") << u"ttyS9"_s << u"ttyS009x"_s << true;
-    QTest::newRow("leading zeros tie broken plainly") << u"ttyS01"_s << u"ttyS1"_s << true;
-    QTest::newRow("later run decides") << u"a1b10"_s << u"a1b9"_s << false;
-}
-
-void PortMapTest::naturalLess()
-{
-    QFETCH(QString, a);
-    QFETCH(QString, b);
-    QFETCH(bool, less);
-    QCOMPARE(::naturalLess(a, b), less);
-}
-
-void PortMapTest::orderSystemPorts_data()
-{
-    QTest::addColumn<QStringList>("system");
-    QTest::addColumn<QStringList>("ordered");
-
-    QTest::newRow("adapters before built-in ports")
-        << QStringList{u"/dev/ttyS0"_s, u"/dev/ttyUSB0"_s, u"/dev/ttyS1"_s, u"/dev/ttyACM0"_s}
-        << QStringList{u"/dev/ttyACM0"_s, u"/dev/ttyUSB0"_s, u"/dev/ttyS0"_s, u"/dev/ttyS1"_s};
-    QTest::newRow("natural order in each group")
-        << QStringList{u"/dev/ttyS10"_s, u"/dev/ttyUSB10"_s, u"/dev/ttyS2"_s, u"/dev/ttyUSB2"_s,
-                       u"/dev/ttyUSB1"_s}
-        << QStringList{u"/dev/ttyUSB1"_s, u"/dev/ttyUSB2"_s, u"/dev/ttyUSB10"_s, u"/dev/ttyS2"_s,
-                       u"/dev/ttyS10"_s};
-    QTest::newRow("other built-in names")
-        << QStringList{u"/dev/ttyAMA0"_s, u"/dev/ttyS0"_s, u"/dev/ttyACM1"_s}
-        << QStringList{u"/dev/ttyACM1"_s, u"/dev/ttyAMA0"_s, u"/dev/ttyS0"_s};
-    QTest::newRow("duplicates once") << QStringList{u"/dev/ttyS0"_s, u"/dev/ttyS0"_s}
-                                     << QStringList{u"/dev/ttyS0"_s};
-    QTest::newRow("none") << QStringList() << QStringList();
-}
-
-void PortMapTest::orderSystemPorts()
-{
-    QFETCH(QStringList, system);
-    QFETCH(QStringList, ordered);
-
-    QCOMPARE(::orderSystemPorts(system), ordered);
-    // The order does not depend on how the system happened to list them.
-    QStringList reversed(system.rbegin(), system.rend());
-    QCOMPARE(::orderSystemPorts(reversed), ordered);
-}
-
-void PortMapTest::systemPortsByNumber()
-{
-    const IniFile ini(iniPath());
-    const QStringList ports = ::orderSystemPorts({u"/dev/ttyS0"_s, u"/dev/ttyUSB3"_s, u"/dev/ttyUSB12"_s});
-    QCOMPARE(devicePathForPort(ini, 1, ports), u"/dev/ttyUSB3"_s);
-    QCOMPARE(devicePathForPort(ini, 2, ports), u"/dev/ttyUSB12"_s);
-    QCOMPARE(devicePathForPort(ini, 3, ports), u"/dev/ttyS0"_s);
-    QCOMPARE(devicePathForPort(ini, 4, ports), QString());
-    QCOMPARE(devicePathForPort(ini, 16, ports), QString());
-}
-
-void PortMapTest::mapSectionWins()
-{
-    writeFile("[Port_Phone]\r\nComm Port=3\r\n"
-              "[port map]\r\n"
-              "com3 = /tmp/varnel/modem-pty \r\n"
-              "COM16=/dev/serial/by-id/usb-Varnel_Q40-if00\r\n"
-              "COM2=\r\n"
-              "COM17=/dev/never\r\n");
-    const IniFile ini(iniPath());
-    const QStringList ports{u"/dev/ttyUSB0"_s, u"/dev/ttyUSB1"_s, u"/dev/ttyS0"_s};
-    QCOMPARE(devicePathForPort(ini, 1, ports), u"/dev/ttyUSB0"_s);
-    // An empty key maps nothing, so the number keeps its system port.
-    QCOMPARE(devicePathForPort(ini, 2, ports), u"/dev/ttyUSB1"_s);
-    QCOMPARE(devicePathForPort(ini, 3, ports), u"/tmp/varnel/modem-pty"_s);
-    QCOMPARE(devicePathForPort(ini, 4, ports), QString());
-    QCOMPARE(devicePathForPort(ini, 16, ports), u"/dev/serial/by-id/usb-Varnel_Q40-if00"_s);
-}
-
-void PortMapTest::numbersOutsideOneToSixteenReachNothing()
-{
-    writeFile("[Port Map]\nCOM0=/dev/zero-port\nCOM17=/dev/seventeen\nCOM-1=/dev/minus\n");
-    const IniFile ini(iniPath());
-    QStringList ports;
-    for (int i = 0; i < 20; ++i)
-        ports << QStringLiteral("/dev/ttyUSB%1").arg(i);
-    QCOMPARE(devicePathForPort(ini, 0, ports), QString());
-    QCOMPARE(devicePathForPort(ini, -1, ports), QString());
-    QCOMPARE(devicePathForPort(ini, 17, ports), QString());
-    QCOMPARE(devicePathForPort(ini, 16, ports), u"/dev/ttyUSB15"_s);
-}
 
 QTEST_GUILESS_MAIN(PortMapTest)
 #include "PortMapTest.moc"

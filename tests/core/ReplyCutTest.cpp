@@ -1,248 +1,117 @@
 #include "ReplyCut.h"
-#include "AppError.h"
 
-#include <QTest>
-
-#include <functional>
+#include "Tables.h"
 
 namespace {
-// The text a cut gives, or the number of the AppError it throws, in the form "error 5".
-QString outcome(const std::function<QString()> &cut)
+// How a value is cut: "fixed", "latch", "equals", "hex" (name as given), "from N" (the version's end
+// searched from position N), "lines" (the numbered lines joined by "|", then the error if one came).
+struct Cut
 {
-    try {
-        return cut();
-    } catch (const AppError &error) {
-        return QStringLiteral("error %1").arg(error.number);
-    }
-}
+    const char *name;
+    const char *how;
+    const char *reply;
+    const char *field;
+    const char *value;
+};
 
-const QString kInvalidCall = QStringLiteral("error 5");
+const Cut kCuts[] = {
+    {"fixed plain", "fixed", "MODEL    = Q4U\r\nCMD:", "MODEL", "Q4U"},
+    {"fixed passes over the mixed-case echo", "fixed", "Model\r\nMODEL    = Q4U\r\nCMD:", "MODEL", "Q4U"},
+    {"fixed trims blanks", "fixed", "S/N      = 12345  \r\n", "S/N", "12345"},
+    {"fixed up to the first return", "fixed", "OPTION   = 34\r\nVERSION  = 3.10\r\n", "OPTION", "34"},
+    {"fixed empty value", "fixed", "NETWORK  = \r\nCMD:", "NETWORK", ""},
+    {"fixed return before column 11", "fixed", "NETWORK  =\r\nCMD:", "NETWORK", "error 5"},
+    {"fixed silent", "fixed", "", "MODEL", "error 5"},
+    {"fixed without return", "fixed", "MODEL    = Q4U", "MODEL", "error 5"},
+    {"fixed refused", "fixed", "INVALID\r\nCMD:", "RFPOWER", "error 5"},
+    {"fixed long refusal", "fixed", "INVALID COMMAND NAME\r\nCMD:", "RFPOWER", "error 5"},
+    {"fixed refused with echo", "fixed", "rfp\r\nAMBIGUOUS\r\nCMD:", "RFPOWER", "error 5"},
+    {"fixed name in the wrong case", "fixed", "model    = Q4U\r\n", "MODEL", "error 5"},
+    {"from the model's place", "from 1", "VERSION  = 3.10\r\nCMD:", "VERSION", "3.10"},
+    {"from no model", "from 0", "VERSION  = 3.10\r\nCMD:", "VERSION", "error 5"},
+    {"from past the line", "from 18", "VERSION  = 3.10\r\nCMD: X\r\n", "VERSION", "3.10\r\nCMD: X"},
+    {"from past the reply", "from 40", "VERSION  = 3.10\r\n", "VERSION", "error 5"},
+    {"from silent", "from 1", "", "VERSION", "error 5"},
+    {"latch a1", "latch", "SEL/A1   = 56\r\nCMD:", "A1", "56"},
+    {"latch n1 with echo", "latch", "sel/n1\r\nSEL/N1   = 76\r\nCMD:", "N1", "76"},
+    {"latch n2", "latch", "SEL/N2   = 958\r\nCMD:", "N2", "958"},
+    {"latch silent", "latch", "", "N2", "error 5"},
+    {"latch without return", "latch", "SEL/N2   = 958", "N2", "error 5"},
+    {"equals", "equals", "SQUELCH  = 30\r\nCMD:", "SQUELCH", "30"},
+    {"equals tight", "equals", "SQUELCH=7\r\n", "SQUELCH", "7"},
+    {"equals far", "equals", "ASQUELCH      =   12 \r\n", "ASQUELCH", "12"},
+    {"equals finds squelch inside asquelch", "equals", "ASQUELCH = 12\r\n", "SQUELCH", "12"},
+    {"equals first behind the name", "equals", "X=1\r\nSQUELCH = 30\r\n", "SQUELCH", "30"},
+    {"equals empty value", "equals", "SQUELCH  =\r\n", "SQUELCH", ""},
+    {"equals without return", "equals", "SQUELCH  = 30", "SQUELCH", "error 5"},
+    {"equals silent", "equals", "", "SQUELCH", "error 5"},
+    {"equals refused", "equals", "INVALID\r\nCMD:", "ASQUELCH", "error 5"},
+    {"equals refused with echo", "equals", "asquelch\r\nINVALID\r\nCMD:", "ASQUELCH", "error 5"},
+    {"equals without an equals sign", "equals", "SQUELCH 30\r\n", "SQUELCH", "error 5"},
+    {"hex open", "hex", "INOUT    = 04\r\nCMD:", "INOUT", "04"},
+    {"hex closed", "hex", "inout 0,5\r\nINOUT    = FB\r\nCMD:", "INOUT", "FB"},
+    {"hex one digit", "hex", "INOUT    = 4\r\n", "INOUT", "4"},
+    {"hex silent", "hex", "", "INOUT", "error 5"},
+    {"hex without return", "hex", "INOUT    = 04", "INOUT", "error 5"},
+    {"hex whatever stands there", "hex", "INOUT\r\n", "INOUT", "UT"},
+    {"hex no name", "hex", "xy\r\n", "INOUT", "error 5"},
+    {"lines two routes", "lines", "route\r\n 1  40,41,12\r\n 2  50\r\nCMD:", "", "1  40,41,12|2  50"},
+    {"lines stop at a missing number", "lines", "1 a\r\n3 b\r\n", "", "1 a"},
+    {"lines none numbered", "lines", "route\r\nCMD:", "", ""},
+    {"lines silent", "lines", "", "", ""},
+    // "2" is searched only behind the first line.
+    {"lines number inside a line", "lines", "1 12,5\r\n", "", "1 12,5"},
+    {"lines keep those before one without return", "lines", "1 40,12\r\n2 41,13", "", "1 40,12|error 5"},
+};
+
+QString cut(const QString &how, const QString &reply, const QString &field)
+{
+    if (how == u"lines") {
+        QStringList lines;
+        const QString error = outcome([&] {
+            cutNumberedLines(reply, lines);
+            return QString();
+        });
+        return (error.isEmpty() ? lines : lines << error).join(u'|');
+    }
+    return outcome([&] {
+        if (how == u"fixed")
+            return cutFixedColumn(reply, field);
+        if (how == u"latch")
+            return cutLatch(reply, field);
+        if (how == u"equals")
+            return cutEqualsSign(reply, field);
+        if (how == u"hex")
+            return cutHexPair(reply, field);
+        return cutFixedColumnEndingFrom(reply, field, how.mid(5).toInt());
+    });
+}
 } // namespace
 
 class ReplyCutTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void fixedColumn_data();
-    void fixedColumn();
-    void fixedColumnEndingFromAnotherPosition_data();
-    void fixedColumnEndingFromAnotherPosition();
-    void latch_data();
-    void latch();
-    void equalsSign_data();
-    void equalsSign();
-    void hexPair_data();
-    void hexPair();
-    void numberedLines_data();
-    void numberedLines();
-    void numberedLineWithoutEndKeepsTheLinesBefore();
+    void cuts_data() { addRows(kCuts); }
+    void cuts()
+    {
+        const Cut &c = fetchRow(kCuts);
+        QCOMPARE(cut(QLatin1String(c.how), QLatin1String(c.reply), QLatin1String(c.field)),
+                 QLatin1String(c.value));
+    }
+
+    void thirtyNumberedLinesAtMost()
+    {
+        QString listing;
+        QStringList thirty;
+        for (int n = 1; n <= 31; ++n) {
+            listing += QStringLiteral("%1 %2,%3\r\n").arg(n).arg(n + 100).arg(n + 200);
+            if (n <= 30)
+                thirty << QStringLiteral("%1 %2,%3").arg(n).arg(n + 100).arg(n + 200);
+        }
+        QCOMPARE(cut(QStringLiteral("lines"), listing, {}), thirty.join(u'|'));
+    }
 };
-
-void ReplyCutTest::fixedColumn_data()
-{
-    QTest::addColumn<QString>("reply");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("value");
-    QTest::newRow("plain") << "MODEL    = Q4U\r\nCMD:"
-                           << "MODEL"
-                           << "Q4U";
-    QTest::newRow("echo in mixed case is passed over") << "Model\r\nMODEL    = Q4U\r\nCMD:"
-                                                       << "MODEL"
-                                                       << "Q4U";
-    QTest::newRow("blanks trimmed") << "S/N      = 12345  \r\n"
-                                    << "S/N"
-                                    << "12345";
-    QTest::newRow("value up to the first return") << "OPTION   = 34\r\nVERSION  = 3.10\r\n"
-                                                  << "OPTION"
-                                                  << "34";
-    QTest::newRow("nothing before the return") << "NETWORK  = \r\nCMD:"
-                                               << "NETWORK"
-                                               << "";
-    QTest::newRow("value running into the return")
-        << "NETWORK  =\r\nCMD:"
-        << "NETWORK" << kInvalidCall; // return before column 11: negative length
-    QTest::newRow("silent modem") << ""
-                                  << "MODEL" << kInvalidCall;
-    QTest::newRow("no carriage return after the value") << "MODEL    = Q4U"
-                                                        << "MODEL" << kInvalidCall;
-    QTest::newRow("refused command") << "INVALID\r\nCMD:"
-                                     << "RFPOWER" << kInvalidCall;
-    QTest::newRow("long refusal") << "INVALID COMMAND NAME\r\nCMD:"
-                                  << "RFPOWER" << kInvalidCall;
-    QTest::newRow("refused command with echo") << "rfp\r\nAMBIGUOUS\r\nCMD:"
-                                               << "RFPOWER" << kInvalidCall;
-    QTest::newRow("name in the wrong case") << "model    = Q4U\r\n"
-                                            << "MODEL" << kInvalidCall;
-}
-
-void ReplyCutTest::fixedColumn()
-{
-    QFETCH(QString, reply);
-    QFETCH(QString, name);
-    QFETCH(QString, value);
-    QCOMPARE(outcome([&] { return cutFixedColumn(reply, name); }), value);
-}
-
-void ReplyCutTest::fixedColumnEndingFromAnotherPosition_data()
-{
-    QTest::addColumn<QString>("reply");
-    QTest::addColumn<int>("endFrom");
-    QTest::addColumn<QString>("value");
-    QTest::newRow("same start as the model reply") << "VERSION  = 3.10\r\nCMD:" << 1 << "3.10";
-    QTest::newRow("model not found") << "VERSION  = 3.10\r\nCMD:" << 0 << kInvalidCall;
-    // A model reply that had an echo in front puts the end search past the version's own line end.
-    QTest::newRow("end searched past the line") << "VERSION  = 3.10\r\nCMD: X\r\n" << 18 << "3.10\r\nCMD: X";
-    QTest::newRow("end searched past the reply") << "VERSION  = 3.10\r\n" << 40 << kInvalidCall;
-    QTest::newRow("silent") << "" << 1 << kInvalidCall;
-}
-
-void ReplyCutTest::fixedColumnEndingFromAnotherPosition()
-{
-    QFETCH(QString, reply);
-    QFETCH(int, endFrom);
-    QFETCH(QString, value);
-    QCOMPARE(outcome([&] { return cutFixedColumnEndingFrom(reply, QStringLiteral("VERSION"), endFrom); }),
-             value);
-}
-
-void ReplyCutTest::latch_data()
-{
-    QTest::addColumn<QString>("reply");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("value");
-    QTest::newRow("a1") << "SEL/A1   = 56\r\nCMD:"
-                        << "A1"
-                        << "56";
-    QTest::newRow("n1 with echo") << "sel/n1\r\nSEL/N1   = 76\r\nCMD:"
-                                  << "N1"
-                                  << "76";
-    QTest::newRow("n2") << "SEL/N2   = 958\r\nCMD:"
-                        << "N2"
-                        << "958";
-    QTest::newRow("silent") << ""
-                            << "N2" << kInvalidCall;
-    QTest::newRow("no return") << "SEL/N2   = 958"
-                               << "N2" << kInvalidCall;
-}
-
-void ReplyCutTest::latch()
-{
-    QFETCH(QString, reply);
-    QFETCH(QString, name);
-    QFETCH(QString, value);
-    QCOMPARE(outcome([&] { return cutLatch(reply, name); }), value);
-}
-
-void ReplyCutTest::equalsSign_data()
-{
-    QTest::addColumn<QString>("reply");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("value");
-    QTest::newRow("squelch") << "SQUELCH  = 30\r\nCMD:"
-                             << "SQUELCH"
-                             << "30";
-    QTest::newRow("tight") << "SQUELCH=7\r\n"
-                           << "SQUELCH"
-                           << "7";
-    QTest::newRow("far equals sign") << "ASQUELCH      =   12 \r\n"
-                                     << "ASQUELCH"
-                                     << "12";
-    QTest::newRow("squelch found inside asquelch") << "ASQUELCH = 12\r\n"
-                                                   << "SQUELCH"
-                                                   << "12";
-    QTest::newRow("first equals sign behind the name") << "X=1\r\nSQUELCH = 30\r\n"
-                                                       << "SQUELCH"
-                                                       << "30";
-    QTest::newRow("empty value") << "SQUELCH  =\r\n"
-                                 << "SQUELCH"
-                                 << "";
-    QTest::newRow("no return") << "SQUELCH  = 30"
-                               << "SQUELCH" << kInvalidCall;
-    QTest::newRow("silent") << ""
-                            << "SQUELCH" << kInvalidCall;
-    QTest::newRow("refused") << "INVALID\r\nCMD:"
-                             << "ASQUELCH" << kInvalidCall;
-    QTest::newRow("refused with echo") << "asquelch\r\nINVALID\r\nCMD:"
-                                       << "ASQUELCH" << kInvalidCall;
-    QTest::newRow("name without an equals sign") << "SQUELCH 30\r\n"
-                                                 << "SQUELCH" << kInvalidCall;
-}
-
-void ReplyCutTest::equalsSign()
-{
-    QFETCH(QString, reply);
-    QFETCH(QString, name);
-    QFETCH(QString, value);
-    QCOMPARE(outcome([&] { return cutEqualsSign(reply, name); }), value);
-}
-
-void ReplyCutTest::hexPair_data()
-{
-    QTest::addColumn<QString>("reply");
-    QTest::addColumn<QString>("value");
-    QTest::newRow("open") << "INOUT    = 04\r\nCMD:"
-                          << "04";
-    QTest::newRow("closed") << "inout 0,5\r\nINOUT    = FB\r\nCMD:"
-                            << "FB";
-    QTest::newRow("one digit after a blank") << "INOUT    = 4\r\n"
-                                             << "4";
-    QTest::newRow("silent") << "" << kInvalidCall;
-    QTest::newRow("no return") << "INOUT    = 04" << kInvalidCall;
-    QTest::newRow("whatever two characters stand there") << "INOUT\r\n"
-                                                         << "UT";
-    QTest::newRow("no name") << "xy\r\n" << kInvalidCall;
-}
-
-void ReplyCutTest::hexPair()
-{
-    QFETCH(QString, reply);
-    QFETCH(QString, value);
-    QCOMPARE(outcome([&] { return cutHexPair(reply, QStringLiteral("INOUT")); }), value);
-}
-
-void ReplyCutTest::numberedLines_data()
-{
-    QTest::addColumn<QString>("reply");
-    QTest::addColumn<QStringList>("lines");
-    QTest::newRow("two routes") << "route\r\n 1  40,41,12\r\n 2  50\r\nCMD:"
-                                << QStringList{QStringLiteral("1  40,41,12"), QStringLiteral("2  50")};
-    QTest::newRow("stops at the first number missing") << "1 a\r\n3 b\r\n"
-                                                       << QStringList{QStringLiteral("1 a")};
-    QTest::newRow("nothing numbered") << "route\r\nCMD:" << QStringList{};
-    QTest::newRow("silent") << "" << QStringList{};
-    QTest::newRow("number found inside a line")
-        << "1 12,5\r\n"
-        << QStringList{QStringLiteral("1 12,5")}; // "2" is searched only behind the first line
-    QStringList thirty;
-    QString listing;
-    for (int n = 1; n <= 31; ++n) {
-        listing += QStringLiteral("%1 %2,%3\r\n").arg(n).arg(n + 100).arg(n + 200);
-        if (n <= 30)
-            thirty.append(QStringLiteral("%1 %2,%3").arg(n).arg(n + 100).arg(n + 200));
-    }
-    QTest::newRow("thirty at most") << listing << thirty;
-}
-
-void ReplyCutTest::numberedLines()
-{
-    QFETCH(QString, reply);
-    QFETCH(QStringList, lines);
-    QStringList cut;
-    cutNumberedLines(reply, cut);
-    QCOMPARE(cut, lines);
-}
-
-void ReplyCutTest::numberedLineWithoutEndKeepsTheLinesBefore()
-{
-    QStringList cut;
-    try {
-        cutNumberedLines(QStringLiteral("1 40,12\r\n2 41,13"), cut);
-        QFAIL("a line without its carriage return was taken");
-    } catch (const AppError &error) {
-        QCOMPARE(error.number, AppErrors::InvalidProcedureCall);
-    }
-    QCOMPARE(cut, QStringList{QStringLiteral("1 40,12")});
-}
 
 QTEST_GUILESS_MAIN(ReplyCutTest)
 #include "ReplyCutTest.moc"

@@ -1,21 +1,150 @@
 #include "TextRules.h"
-#include "AppError.h"
 
-#include <QTest>
-
-#include <cmath>
-#include <functional>
+#include "Tables.h"
 
 namespace {
-// The number of the AppError a statement throws, or 0 when it does not throw.
-int errorOf(const std::function<void()> &statement)
+// A rule applied to its arguments, the result as text: numbers with 17 digits so that no difference
+// hides, several results joined by "|", and a failure as "error N".
+struct Rule
 {
-    try {
-        statement();
-    } catch (const AppError &error) {
-        return error.number;
-    }
-    return 0;
+    const char *name;
+    const char *rule;
+    QList<const char *> args;
+    const char *result;
+};
+
+const Rule kRules[] = {
+    {"whole", "numericValue", {"30"}, "30"},
+    {"leading blanks", "numericValue", {"   30"}, "30"},
+    {"line end after", "numericValue", {"30\r\n"}, "30"},
+    {"empty", "numericValue", {""}, "0"},
+    {"word", "numericValue", {"INVALID"}, "0"},
+    {"model code", "numericValue", {"Q4U"}, "0"},
+    {"number then letters", "numericValue", {"12abc"}, "12"},
+    {"negative", "numericValue", {"-5"}, "-5"},
+    {"plus sign", "numericValue", {"+5"}, "5"},
+    {"double sign", "numericValue", {"--5"}, "0"},
+    {"blank inside", "numericValue", {"1 2"}, "12"},
+    {"blank after sign", "numericValue", {"- 5"}, "-5"},
+    {"tab in front", "numericValue", {"\t7"}, "7"},
+    {"carriage return ends it", "numericValue", {"1\r2"}, "1"},
+    {"fraction", "numericValue", {"3.25"}, "3.25"},
+    {"point first", "numericValue", {".5"}, "0.5"},
+    {"negative point first", "numericValue", {"-.5"}, "-0.5"},
+    {"point last", "numericValue", {"5."}, "5"},
+    {"second point ends it", "numericValue", {"1.2.3"}, "1.2"},
+    {"comma ends it", "numericValue", {"1,5"}, "1"},
+    {"exponent", "numericValue", {"1e3"}, "1000"},
+    {"negative exponent", "numericValue", {"1E-2"}, "0.01"},
+    {"D exponent", "numericValue", {"1D2"}, "100"},
+    {"exponent with blanks", "numericValue", {"2E +\t1"}, "20"},
+    {"exponent without digits", "numericValue", {"7e"}, "7"},
+    {"hex", "numericValue", {"&HFF"}, "255"},
+    {"small hex", "numericValue", {"&hfb"}, "251"},
+    {"hex with a blank", "numericValue", {"&H1 0"}, "16"},
+    {"hex of 16 bits is signed", "numericValue", {"&HFFFF"}, "-1"},
+    {"hex past 16 bits", "numericValue", {"&H10000"}, "65536"},
+    {"hex of 32 bits is signed", "numericValue", {"&HFFFFFFFF"}, "-1"},
+    {"hex beyond 32 bits", "numericValue", {"&H100000000"}, "error 6"},
+    {"hex stops at a non-digit", "numericValue", {"&H4G"}, "4"},
+    {"hex without digits", "numericValue", {"&H"}, "0"},
+    {"octal", "numericValue", {"&O17"}, "15"},
+    {"octal stops at 8", "numericValue", {"&o78"}, "7"},
+    {"octal without O", "numericValue", {"&17"}, "15"},
+    {"ampersand alone", "numericValue", {"&X"}, "0"},
+    {"beyond a double", "numericValue", {"1e400"}, "error 6"},
+    // roundHalfEven | roundToLong | roundToInteger
+    {"half to even zero", "round", {"0.5"}, "0|0|0"},
+    {"one and a half", "round", {"1.5"}, "2|2|2"},
+    {"two and a half", "round", {"2.5"}, "2|2|2"},
+    {"three and a half", "round", {"3.5"}, "4|4|4"},
+    {"negative half", "round", {"-1.5"}, "-2|-2|-2"},
+    {"negative two and a half", "round", {"-2.5"}, "-2|-2|-2"},
+    {"below half", "round", {"2.4999"}, "2|2|2"},
+    {"above half", "round", {"2.5001"}, "3|3|3"},
+    {"16-bit top", "round", {"32767.4"}, "32767|32767|32767"},
+    {"rounds past 16 bits", "round", {"32767.5"}, "32768|32768|error 6"},
+    {"16-bit bottom, tie to even", "round", {"-32768.5"}, "-32768|-32768|-32768"},
+    {"below 16 bits", "round", {"-32769"}, "-32769|-32769|error 6"},
+    {"32-bit top", "round", {"2147483647.4"}, "2147483647|2147483647|error 6"},
+    {"rounds past 32 bits", "round", {"2147483647.5"}, "2147483648|error 6|error 6"},
+    {"32-bit bottom, tie to even", "round", {"-2147483648.5"}, "-2147483648|-2147483648|error 6"},
+    {"below 32 bits", "round", {"-2147483649"}, "-2147483649|error 6|error 6"},
+    {"not a number", "round", {"nan"}, "nan|error 6|error 6"},
+    {"fraction cut", "textFix", {"76.875"}, "76"},
+    {"just below a whole number", "textFix", {"957.9999999999999"}, "958"},
+    {"just above a whole number", "textFix", {"958.0000000000001"}, "958"},
+    {"clearly below", "textFix", {"957.99999999999"}, "957"},
+    {"negative cut toward zero", "textFix", {"-2.5"}, "-2"},
+    {"text of whole", "numberText", {"958"}, "958"},
+    {"text of zero", "numberText", {"0"}, "0"},
+    {"text of negative zero", "numberText", {"-0"}, "0"},
+    {"text of negative", "numberText", {"-3"}, "-3"},
+    {"text of half", "numberText", {"9600.5"}, "9600.5"},
+    {"text of quarter", "numberText", {"11064.25"}, "11064.25"},
+    {"text of below one", "numberText", {"0.5"}, "0.5"},
+    {"text of frequency", "numberText", {"150.0125"}, "150.0125"},
+    {"text of noise dropped", "numberText", {"16202.000000000002"}, "16202"},
+    {"text of fifteen digits", "numberText", {"0.3333333333333333"}, "0.333333333333333"},
+    {"text of largest without exponent", "numberText", {"123456789012345"}, "123456789012345"},
+    {"text of large", "numberText", {"1e15"}, "1E+15"},
+    {"text of small", "numberText", {"0.00001"}, "1E-05"},
+    // findText(start, text, find) | findText(text, find)
+    {"find first", "find", {"1", "abcabc", "b"}, "2|2"},
+    {"find from a later start", "find", {"3", "abcabc", "b"}, "5|2"},
+    {"find at the start itself", "find", {"2", "abcabc", "b"}, "2|2"},
+    {"find is exact in case", "find", {"1", "abc", "B"}, "0|0"},
+    {"find nothing", "find", {"1", "abc", "d"}, "0|0"},
+    {"find from past the end", "find", {"4", "abc", "a"}, "0|1"},
+    {"find in empty text", "find", {"1", "", "a"}, "0|0"},
+    {"find empty gives the start", "find", {"2", "abc", ""}, "2|1"},
+    {"find from 0", "find", {"0", "abc", "a"}, "error 5|1"},
+    // midText(text, start, length) | midText(text, start) | leftText(text, length) | rightText(text, length)
+    {"cut inside", "cut", {"hello", "2", "3"}, "ell|ello|hel|llo"},
+    {"cut past the end", "cut", {"hello", "4", "10"}, "lo|lo|hello|hello"},
+    {"cut the last one", "cut", {"abc", "3", "1"}, "c|c|a|c"},
+    {"cut from beyond", "cut", {"hello", "6", "1"}, "||h|o"},
+    {"cut nothing", "cut", {"hello", "1", "0"}, "|hello||"},
+    {"cut from 0", "cut", {"abc", "0", "1"}, "error 5|error 5|a|c"},
+    {"cut a negative length", "cut", {"abc", "11", "-11"}, "error 5||error 5|error 5"},
+    {"trim blanks", "trimBlanks", {"  a b  "}, "a b"},
+    {"trim keeps tabs", "trimBlanks", {"\ta\t"}, "\ta\t"},
+    {"trim keeps line ends", "trimBlanks", {" 3.10\r"}, "3.10\r"},
+    {"trim only blanks", "trimBlanks", {"   "}, ""},
+};
+
+QString number(double value)
+{
+    return QString::number(value, 'g', 17);
+}
+
+// Each statement's outcome, joined.
+template <typename... Statements> QString each(Statements &&...statements)
+{
+    return QStringList{outcome(statements)...}.join(u'|');
+}
+
+QString apply(const QString &rule, const QStringList &a)
+{
+    const double x = a[0].toDouble();
+    const int n = a.value(a.size() - 2).toInt();
+    const int last = a.constLast().toInt();
+    if (rule == u"numericValue")
+        return outcome([&] { return number(numericValue(a[0])); });
+    if (rule == u"round")
+        return each([&] { return number(roundHalfEven(x)); }, [&] { return number(roundToLong(x)); },
+                    [&] { return number(roundToInteger(x)); });
+    if (rule == u"textFix")
+        return number(textFix(x));
+    if (rule == u"numberText")
+        return numberText(x);
+    if (rule == u"find")
+        return each([&] { return number(findText(a[0].toInt(), a[1], a[2])); },
+                    [&] { return number(findText(a[1], a[2])); });
+    if (rule == u"cut")
+        return each([&] { return midText(a[0], n, last); }, [&] { return midText(a[0], n); },
+                    [&] { return leftText(a[0], last); }, [&] { return rightText(a[0], last); });
+    return trimBlanks(a[0]);
 }
 } // namespace
 
@@ -23,262 +152,23 @@ class TextRulesTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void numericValueOfText_data();
-    void numericValueOfText();
-    void numericValueOverflows_data();
-    void numericValueOverflows();
-    void roundsHalfToEven_data();
-    void roundsHalfToEven();
-    void roundingIntoIntegersOverflows_data();
-    void roundingIntoIntegersOverflows();
-    void textFixDropsDivisionNoise_data();
-    void textFixDropsDivisionNoise();
-    void numberTextForTheWire_data();
-    void numberTextForTheWire();
-    void findsTextFromOnePosition_data();
-    void findsTextFromOnePosition();
-    void cutsTextByPosition_data();
-    void cutsTextByPosition();
-    void badPositionsAreInvalidCalls();
-    void trimsBlanksOnly();
-};
-
-void TextRulesTest::numericValueOfText_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<double>("value");
-    QTest::newRow("whole") << "30" << 30.0;
-    QTest::newRow("leading blanks") << "   30" << 30.0;
-    QTest::newRow("line end after") << "30\r\n" << 30.0;
-    QTest::newRow("empty") << "" << 0.0;
-    QTest::newRow("word") << "INVALID" << 0.0;
-    QTest::newRow("model code") << "Q4U" << 0.0;
-    QTest::newRow("number then letters") << "12abc" << 12.0;
-    QTest::newRow("negative") << "-5" << -5.0;
-    QTest::newRow("plus sign") << "+5" << 5.0;
-    QTest::newRow("double sign") << "--5" << 0.0;
-    QTest::newRow("blank inside") << "1 2" << 12.0;
-    QTest::newRow("blank after sign") << "- 5" << -5.0;
-    QTest::newRow("tab in front") << "\t7" << 7.0;
-    QTest::newRow("carriage return ends it") << "1\r2" << 1.0;
-    QTest::newRow("fraction") << "3.25" << 3.25;
-    QTest::newRow("point first") << ".5" << 0.5;
-    QTest::newRow("negative point first") << "-.5" << -0.5;
-    QTest::newRow("point last") << "5." << 5.0;
-    QTest::newRow("second point ends it") << "1.2.3" << 1.2;
-    QTest::newRow("comma ends it") << "1,5" << 1.0;
-    QTest::newRow("exponent") << "1e3" << 1000.0;
-    QTest::newRow("negative exponent") << "1E-2" << 0.01;
-    QTest::newRow("D exponent") << "1D2" << 100.0;
-    QTest::newRow("exponent without digits") << "7e" << 7.0;
-    QTest::newRow("hex") << "&HFF" << 255.0;
-    QTest::newRow("small hex") << "&hfb" << 251.0;
-    QTest::newRow("hex of 16 bits is signed") << "&HFFFF" << -1.0;
-    QTest::newRow("hex past 16 bits") << "&H10000" << 65536.0;
-    QTest::newRow("hex of 32 bits is signed") << "&HFFFFFFFF" << -1.0;
-    QTest::newRow("hex stops at a non-digit") << "&H4G" << 4.0;
-    QTest::newRow("hex without digits") << "&H" << 0.0;
-    QTest::newRow("octal") << "&O17" << 15.0;
-    QTest::newRow("octal without O") << "&17" << 15.0;
-    QTest::newRow("ampersand alone") << "&X" << 0.0;
-}
-
-void TextRulesTest::numericValueOfText()
-{
-    QFETCH(QString, text);
-    QFETCH(double, value);
-    QCOMPARE(numericValue(text), value);
-}
-
-void TextRulesTest::numericValueOverflows_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::newRow("beyond a double") << "1e400";
-    QTest::newRow("hex beyond 32 bits") << "&H100000000";
-}
-
-void TextRulesTest::numericValueOverflows()
-{
-    QFETCH(QString, text);
-    QCOMPARE(errorOf([&] { numericValue(text); }), AppErrors::Overflow);
-}
-
-void TextRulesTest::roundsHalfToEven_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<double>("rounded");
-    QTest::newRow("half to even zero") << 0.5 << 0.0;
-    QTest::newRow("one and a half") << 1.5 << 2.0;
-    QTest::newRow("two and a half") << 2.5 << 2.0;
-    QTest::newRow("three and a half") << 3.5 << 4.0;
-    QTest::newRow("negative half") << -1.5 << -2.0;
-    QTest::newRow("negative two and a half") << -2.5 << -2.0;
-    QTest::newRow("below half") << 2.4999 << 2.0;
-    QTest::newRow("above half") << 2.5001 << 3.0;
-}
-
-void TextRulesTest::roundsHalfToEven()
-{
-    QFETCH(double, value);
-    QFETCH(double, rounded);
-    QCOMPARE(roundHalfEven(value), rounded);
-    QCOMPARE(double(roundToLong(value)), rounded);
-    QCOMPARE(double(roundToInteger(value)), rounded);
-}
-
-void TextRulesTest::roundingIntoIntegersOverflows_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<int>("longError");
-    QTest::addColumn<int>("integerError");
-    QTest::newRow("16-bit top") << 32767.4 << 0 << 0;
-    QTest::newRow("rounds past 16 bits") << 32767.5 << 0 << AppErrors::Overflow;
-    QTest::newRow("16-bit bottom, tie to even") << -32768.5 << 0 << 0;
-    QTest::newRow("below 16 bits") << -32769.0 << 0 << AppErrors::Overflow;
-    QTest::newRow("32-bit top") << 2147483647.4 << 0 << AppErrors::Overflow;
-    QTest::newRow("rounds past 32 bits") << 2147483647.5 << AppErrors::Overflow << AppErrors::Overflow;
-    QTest::newRow("32-bit bottom, tie to even") << -2147483648.5 << 0 << AppErrors::Overflow;
-    QTest::newRow("below 32 bits") << -2147483649.0 << AppErrors::Overflow << AppErrors::Overflow;
-    QTest::newRow("not a number") << std::nan("") << AppErrors::Overflow << AppErrors::Overflow;
-}
-
-void TextRulesTest::roundingIntoIntegersOverflows()
-{
-    QFETCH(double, value);
-    QFETCH(int, longError);
-    QFETCH(int, integerError);
-    QCOMPARE(errorOf([&] { roundToLong(value); }), longError);
-    QCOMPARE(errorOf([&] { roundToInteger(value); }), integerError);
-}
-
-void TextRulesTest::textFixDropsDivisionNoise_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<double>("fixed");
-    QTest::newRow("fraction cut") << 76.875 << 76.0;
-    QTest::newRow("just below a whole number") << 957.9999999999999 << 958.0;
-    QTest::newRow("just above a whole number") << 958.0000000000001 << 958.0;
-    QTest::newRow("clearly below") << 957.99999999999 << 957.0;
-    QTest::newRow("negative cut toward zero") << -2.5 << -2.0;
-    QTest::newRow("a division") << 11975000.0 / 12500 << 958.0;
-}
-
-void TextRulesTest::textFixDropsDivisionNoise()
-{
-    QFETCH(double, value);
-    QFETCH(double, fixed);
-    QCOMPARE(textFix(value), fixed);
-}
-
-void TextRulesTest::numberTextForTheWire_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("whole") << 958.0 << "958";
-    QTest::newRow("zero") << 0.0 << "0";
-    QTest::newRow("negative zero") << -0.0 << "0";
-    QTest::newRow("negative") << -3.0 << "-3";
-    QTest::newRow("half") << 9600.5 << "9600.5";
-    QTest::newRow("quarter") << 11064.25 << "11064.25";
-    QTest::newRow("below one") << 0.5 << "0.5";
-    QTest::newRow("frequency") << 150.0125 << "150.0125";
-    QTest::newRow("noise dropped") << 16202.000000000002 << "16202";
-    QTest::newRow("fifteen digits") << 1.0 / 3 << "0.333333333333333";
-    QTest::newRow("largest without exponent") << 123456789012345.0 << "123456789012345";
-    QTest::newRow("large") << 1e15 << "1E+15";
-    QTest::newRow("small") << 0.00001 << "1E-05";
-}
-
-void TextRulesTest::numberTextForTheWire()
-{
-    QFETCH(double, value);
-    QFETCH(QString, text);
-    QCOMPARE(numberText(value), text);
-}
-
-void TextRulesTest::findsTextFromOnePosition_data()
-{
-    QTest::addColumn<int>("start");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("find");
-    QTest::addColumn<int>("position");
-    QTest::newRow("first") << 1 << "abcabc"
-                           << "b" << 2;
-    QTest::newRow("from a later start") << 3 << "abcabc"
-                                        << "b" << 5;
-    QTest::newRow("at the start itself") << 2 << "abcabc"
-                                         << "b" << 2;
-    QTest::newRow("exact case") << 1 << "abc"
-                                << "B" << 0;
-    QTest::newRow("not there") << 1 << "abc"
-                               << "d" << 0;
-    QTest::newRow("start past the end") << 4 << "abc"
-                                        << "a" << 0;
-    QTest::newRow("empty text") << 1 << ""
-                                << "a" << 0;
-    QTest::newRow("empty find gives the start") << 2 << "abc"
-                                                << "" << 2;
-}
-
-void TextRulesTest::findsTextFromOnePosition()
-{
-    QFETCH(int, start);
-    QFETCH(QString, text);
-    QFETCH(QString, find);
-    QFETCH(int, position);
-    QCOMPARE(findText(start, text, find), position);
-    if (start == 1)
-        QCOMPARE(findText(text, find), position);
-}
-
-void TextRulesTest::cutsTextByPosition_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("start");
-    QTest::addColumn<int>("length");
-    QTest::addColumn<QString>("cut");
-    QTest::newRow("inside") << "hello" << 2 << 3 << "ell";
-    QTest::newRow("past the end") << "hello" << 4 << 10 << "lo";
-    QTest::newRow("start beyond") << "hello" << 6 << 1 << "";
-    QTest::newRow("no length") << "hello" << 1 << 0 << "";
-}
-
-void TextRulesTest::cutsTextByPosition()
-{
-    QFETCH(QString, text);
-    QFETCH(int, start);
-    QFETCH(int, length);
-    QFETCH(QString, cut);
-    QCOMPARE(midText(text, start, length), cut);
-    QCOMPARE(midText(text, start), text.mid(start - 1));
-    QCOMPARE(leftText(text, length), text.left(length));
-    QCOMPARE(rightText(text, length), text.right(length));
-}
-
-void TextRulesTest::badPositionsAreInvalidCalls()
-{
-    const int invalid = AppErrors::InvalidProcedureCall;
-    QCOMPARE(errorOf([] { findText(0, QStringLiteral("abc"), QStringLiteral("a")); }), invalid);
-    QCOMPARE(errorOf([] { midText(QStringLiteral("abc"), 0, 1); }), invalid);
-    QCOMPARE(errorOf([] { midText(QStringLiteral("abc"), 11, -11); }), invalid);
-    QCOMPARE(errorOf([] { midText(QStringLiteral("abc"), 0); }), invalid);
-    QCOMPARE(errorOf([] { leftText(QStringLiteral("abc"), -1); }), invalid);
-    QCOMPARE(errorOf([] { rightText(QStringLiteral("abc"), -1); }), invalid);
-    try {
-        midText(QString(), 11, -11);
-        QFAIL("a negative length was taken");
-    } catch (const AppError &error) {
-        QCOMPARE(error.description, QStringLiteral("Invalid procedure call or argument"));
+    void rules_data() { addRows(kRules); }
+    void rules()
+    {
+        const Rule &r = fetchRow(kRules);
+        QStringList args;
+        for (const char *arg : r.args)
+            args << QString::fromUtf8(arg);
+        QCOMPARE(apply(QLatin1String(r.rule), args), QString::fromUtf8(r.result));
     }
-}
 
-void TextRulesTest::trimsBlanksOnly()
-{
-    QCOMPARE(trimBlanks(QStringLiteral("  a b  ")), QStringLiteral("a b"));
-    QCOMPARE(trimBlanks(QStringLiteral("\ta\t")), QStringLiteral("\ta\t"));
-    QCOMPARE(trimBlanks(QStringLiteral(" 3.10\r")), QStringLiteral("3.10\r"));
-    QCOMPARE(trimBlanks(QStringLiteral("   ")), QString());
-}
+    void failuresCarryTheClassicTexts()
+    {
+        QCOMPARE(AppErrors::invalidProcedureCall().description,
+                 QStringLiteral("Invalid procedure call or argument"));
+        QCOMPARE(AppErrors::overflow().description, QStringLiteral("Overflow"));
+    }
+};
 
 QTEST_GUILESS_MAIN(TextRulesTest)
 #include "TextRulesTest.moc"

@@ -1,98 +1,66 @@
 #include "ProgramListing.h"
 
-#include <QTest>
+#include "Tables.h"
 
-using namespace Qt::StringLiterals;
+namespace {
+// A reply to "he ch", the prompt found in it, and the lines cut from it, joined by " | ".
+struct Listing
+{
+    const char *name;
+    const char *reply;
+    const char *prompt;
+    const char *lines;
+};
+
+const Listing kListings[] = {
+    {"echo, lines, prompt", "he ch\r\nADDRESS 5\r\nNETWORK 37\r\nCMD:", "CMD:", "ADDRESS 5 | NETWORK 37"},
+    {"no echo: the first letter starts it", "\r\n  \r\nADDRESS 5\r\nCMD:", "CMD:", "ADDRESS 5"},
+    {"a line loses the digits it begins with",
+     "he ch\r\n12 SETC 7\r\nADDRESS 5\r\n3rd 4\r\nCMD:", "CMD:", "SETC 7 | ADDRESS 5 | rd 4"},
+    {"blanks and line feeds between lines dropped",
+     "he ch\r\n\n  ADDRESS 5\r\r\n\n NET 12\r\nCMD:", "CMD:", "ADDRESS 5 | NET 12"},
+    {"case and inner blanks stay", "he ch\r\nadd 5\r\nSETC  255 \r\nCMD:", "CMD:", "add 5 | SETC  255 "},
+    {"remote prompt", "he ch\r\nADDRESS 9\r\nRPG:", "RPG:", "ADDRESS 9"},
+    {"the command prompt wins", "RPG:he ch\r\nADDRESS 9\r\nCMD:", "CMD:", "ADDRESS 9"},
+    {"neither prompt: nothing", "he ch\r\nADDRESS 5\r\nNET 12\r\n", "", ""},
+    {"nothing at all", "", "", ""},
+    // Without a line end after the last setting the tail of the reply is taken as it is.
+    {"no carriage return after the last", "CMD:he ch\r\nADDRESS 5\r\nNETWORK 37",
+     "CMD:", "ADDRESS 5 | RK 37"},
+    {"echo and prompt only", "he ch\r\nCMD:", "CMD:", "\nCMD:"},
+    {"prompt before the listing: the tail too",
+     "CMD:he ch\r\nADDRESS 5\r\nNET 12\r\nCMD:", "CMD:", "ADDRESS 5 | NET 12 | \nCMD:"},
+    {"only line ends after the last line", "CMD:he ch\r\nADDRESS 5\r\n\r\n", "CMD:", "ADDRESS 5 | 5\r\n\r\n"},
+};
+} // namespace
 
 class ProgramListingTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void parse_data();
-    void parse();
-    void lineTableHoldsOneHundredAndOneLines_data();
-    void lineTableHoldsOneHundredAndOneLines();
-};
-
-void ProgramListingTest::parse_data()
-{
-    QTest::addColumn<QByteArray>("reply");
-    QTest::addColumn<QByteArray>("prompt");
-    QTest::addColumn<QStringList>("lines");
-
-    QTest::newRow("echo, lines, prompt")
-        << QByteArray("he ch\r\nADDRESS 5\r\nNETWORK 37\r\nCMD:") << QByteArray("CMD:")
-        << QStringList{u"ADDRESS 5"_s, u"NETWORK 37"_s};
-    QTest::newRow("no echo: parsing starts at the first letter")
-        << QByteArray("\r\n  \r\nADDRESS 5\r\nCMD:") << QByteArray("CMD:") << QStringList{u"ADDRESS 5"_s};
-    QTest::newRow("a line that begins with digits loses them")
-        << QByteArray("he ch\r\n12 SETC 7\r\nADDRESS 5\r\n3rd 4\r\nCMD:") << QByteArray("CMD:")
-        << QStringList{u"SETC 7"_s, u"ADDRESS 5"_s, u"rd 4"_s};
-    QTest::newRow("blanks and line feeds between lines are dropped")
-        << QByteArray("he ch\r\n\n  ADDRESS 5\r\r\n\n NET 12\r\nCMD:") << QByteArray("CMD:")
-        << QStringList{u"ADDRESS 5"_s, u"NET 12"_s};
-    QTest::newRow("case and inner blanks stay")
-        << QByteArray("he ch\r\nadd 5\r\nSETC  255 \r\nCMD:") << QByteArray("CMD:")
-        << QStringList{u"add 5"_s, u"SETC  255 "_s};
-    QTest::newRow("remote prompt") << QByteArray("he ch\r\nADDRESS 9\r\nRPG:") << QByteArray("RPG:")
-                                   << QStringList{u"ADDRESS 9"_s};
-    QTest::newRow("the command prompt wins over the remote one")
-        << QByteArray("RPG:he ch\r\nADDRESS 9\r\nCMD:") << QByteArray("CMD:") << QStringList{u"ADDRESS 9"_s};
-    QTest::newRow("neither prompt: nothing")
-        << QByteArray("he ch\r\nADDRESS 5\r\nNET 12\r\n") << QByteArray() << QStringList{};
-    QTest::newRow("nothing at all") << QByteArray() << QByteArray() << QStringList{};
-    // Without a line end after the last setting the tail of the reply is taken as it is.
-    QTest::newRow("no carriage return after the last setting")
-        << QByteArray("CMD:he ch\r\nADDRESS 5\r\nNETWORK 37") << QByteArray("CMD:")
-        << QStringList{u"ADDRESS 5"_s, u"RK 37"_s};
-    QTest::newRow("echo and prompt only")
-        << QByteArray("he ch\r\nCMD:") << QByteArray("CMD:") << QStringList{u"\nCMD:"_s};
-    QTest::newRow("prompt before the listing: every line, then the tail")
-        << QByteArray("CMD:he ch\r\nADDRESS 5\r\nNET 12\r\nCMD:") << QByteArray("CMD:")
-        << QStringList{u"ADDRESS 5"_s, u"NET 12"_s, u"\nCMD:"_s};
-    QTest::newRow("nothing but line ends after the last line")
-        << QByteArray("CMD:he ch\r\nADDRESS 5\r\n\r\n") << QByteArray("CMD:")
-        << QStringList{u"ADDRESS 5"_s, u"5\r\n\r\n"_s};
-}
-
-void ProgramListingTest::parse()
-{
-    QFETCH(QByteArray, reply);
-    QFETCH(QByteArray, prompt);
-    QFETCH(QStringList, lines);
-    const ProgramListing listing = parseProgramListing(reply);
-    QCOMPARE(listing.prompt, prompt);
-    QCOMPARE(listing.lines, lines);
-}
-
-void ProgramListingTest::lineTableHoldsOneHundredAndOneLines_data()
-{
-    QTest::addColumn<int>("sent");
-    QTest::addColumn<int>("kept");
-    QTest::newRow("100") << 100 << 100;
-    QTest::newRow("101") << 101 << 101;
-    QTest::newRow("102") << 102 << 101;
-    QTest::newRow("150") << 150 << 101;
-}
-
-void ProgramListingTest::lineTableHoldsOneHundredAndOneLines()
-{
-    QFETCH(int, sent);
-    QFETCH(int, kept);
-    QByteArray reply = "he ch\r\n";
-    QStringList expected;
-    for (int i = 0; i < sent; ++i) {
-        const QByteArray line = "MESS L" + QByteArray::number(i);
-        reply += line + "\r\n";
-        if (i < kept)
-            expected << QString::fromLatin1(line);
+    void parse_data() { addRows(kListings); }
+    void parse()
+    {
+        const Listing &l = fetchRow(kListings);
+        const ProgramListing listing = parseProgramListing(l.reply);
+        QCOMPARE(listing.prompt, QByteArray(l.prompt));
+        QCOMPARE(listing.lines.join(QStringLiteral(" | ")), QLatin1String(l.lines));
     }
-    reply += "CMD:";
-    const ProgramListing listing = parseProgramListing(reply);
-    QCOMPARE(listing.lines.size(), kept);
-    QCOMPARE(listing.lines, expected);
-    QCOMPARE(kLineTableSize, 101);
-}
+
+    void lineTableHoldsOneHundredAndOneLines()
+    {
+        for (const int sent : {101, 102}) {
+            QByteArray reply = "he ch\r\n";
+            QStringList expected;
+            for (int i = 0; i < sent; ++i) {
+                reply += "MESS L" + QByteArray::number(i) + "\r\n";
+                if (i < 101)
+                    expected << QStringLiteral("MESS L%1").arg(i);
+            }
+            QCOMPARE(parseProgramListing(reply + "CMD:").lines, expected);
+        }
+    }
+};
 
 QTEST_APPLESS_MAIN(ProgramListingTest)
 #include "ProgramListingTest.moc"

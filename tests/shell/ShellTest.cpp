@@ -1,25 +1,19 @@
-#include "AppError.h"
-#include "CommControl.h"
+#include "Golden.h"
 #include "IniFile.h"
 #include "MWPort.h"
 #include "MainMenu.h"
-#include "MemoryCommControl.h"
-#include "ModemSession.h"
 #include "ProgrammingMenu.h"
-#include "ScriptedModem.h"
-#include "ScriptedPrompts.h"
+#include "SessionRig.h"
 #include "Terminal.h"
-#include "TimeSource.h"
 #include "WorkingFileOpen.h"
+#include "frmAbout.h"
+#include "frmSplash.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDir>
-#include <QFile>
 #include <QPushButton>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 
 namespace {
@@ -29,323 +23,255 @@ void whenModal(std::function<void(QWidget *)> fn)
     auto *timer = new QTimer;
     QObject::connect(timer, &QTimer::timeout, [timer, fn] {
         if (QWidget *modal = QApplication::activeModalWidget()) {
-            timer->stop();
             timer->deleteLater();
+            timer->stop();
             fn(modal);
         }
     });
     timer->start(0);
 }
 
-QString readFile(const QString &path)
+void click(QWidget *dialog, const char *button)
 {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? QString::fromLatin1(f.readAll()) : QString();
+    dialog->findChild<QPushButton *>(QLatin1String(button))->click();
 }
 
-struct Shell
+const char *const kCompletePort =
+    "[Port_Phone]\r\nComm "
+    "Port=2\r\nSettings=9600,N,8,1\r\nDTREnable=True\r\nRTSEnable=-1\r\nHandshaking=0\r\n";
+
+struct Shell : SessionRig
 {
     QTemporaryDir dir;
     IniFile ini{dir.filePath(QStringLiteral("varnel-utility.INI"))};
-    VirtualTime time;
-    MemoryCommControl port;
-    ScriptedPrompts prompts{&time};
-    ScriptedModem modem{port, time};
-    ModemSession session{port, time, prompts};
+    MainMenu menu{session, ini};
 
-    void writeIni(const QString &text)
+    explicit Shell(const char *file = kCompletePort) : SessionRig(CommControl::kAutoProcessTerminal)
     {
-        QFile f(ini.path());
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(text.toLatin1());
+        port.setPortOpen(false);
+        writeBytes(ini.path(), file);
+    }
+    QString key(const char *name) const
+    {
+        return ini.getString(QStringLiteral("Port_Phone"), QLatin1String(name), {});
     }
 };
-
-const QString kCompletePort =
-    QStringLiteral("[Port_Phone]\r\nComm Port=2\r\nSettings=9600,N,8,1\r\nDTREnable=True\r\n"
-                   "RTSEnable=-1\r\nHandshaking=0\r\n");
 } // namespace
 
 class ShellTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void standardErrorBoxText();
-    void firstStartAsksForThePort();
-    void missingKeyBringsTheDialogBack();
-    void cancelAtFirstStartOffersToEnd();
-    void openFailureLeadsBackToTheDialog();
-    void completeSectionOpensWithoutAsking();
-    void exitClosesPortAndWritesSettings();
-    void diagnosticsWithSilentModemStaysOnMainMenu();
-    void terminalEmulationHandsThePortToTheScreen();
-    void programmingReturnsToMainMenu();
-    void productInformation();
-};
+    void captionsAndMenus()
+    {
+        Shell s;
+        s.menu.Load();
+        frmAbout about(s.prompts);
+        frmSplash *splash = new frmSplash;
+        for (const QWidget *w : std::initializer_list<const QWidget *>{&s.menu, &about, splash})
+            QVERIFY(matchesGolden(describeWindow(*w),
+                                  QStringLiteral(VARNEL_GOLDEN "/%1.txt").arg(w->objectName())));
+        // The splash hands over after half a second.
+        QVERIFY(splash->Timer1.isActive() && splash->Timer1.isSingleShot());
+        QCOMPARE(splash->Timer1.interval(), 500);
+        delete splash;
+    }
 
-void ShellTest::standardErrorBoxText()
-{
-    VirtualTime time;
-    ScriptedPrompts prompts;
-    prompts
-        .expectMsgBox(
-            QStringLiteral("The following error has occured in the application:\r8018 = Operation valid only "
-                           "when the port is open\rPress OK to attempt to fix problem.\rIf problem remains, "
-                           "please exit program and report error to VNL."))
-        .withIcon(MsgIcon::Critical)
-        .withButtons(MsgButtons::OkOnly)
-        .withTitle(QString());
-    MemoryCommControl closed;
-    int after = 0;
-    // The routine goes on with the statement after the one that failed.
-    attempt(prompts, [&] { closed.Output("x"); });
-    ++after;
-    QCOMPARE(after, 1);
-    QVERIFY(prompts.verify());
-}
+    void standardErrorBox()
+    {
+        ScriptedPrompts prompts;
+        prompts
+            .expectMsgBox(
+                QStringLiteral("The following error has occured in the application:\r8018 = Operation valid "
+                               "only when the port is open\rPress OK to attempt to fix problem.\rIf problem "
+                               "remains, please exit program and report error to VNL."))
+            .withIcon(MsgIcon::Critical)
+            .withButtons(MsgButtons::OkOnly)
+            .withTitle(QString());
+        MemoryCommControl closed;
+        // The routine goes on with the statement after the one that failed.
+        QVERIFY(!attempt(prompts, [&] { closed.Output("x"); }));
+        QVERIFY(prompts.verify());
+    }
 
-void ShellTest::firstStartAsksForThePort()
-{
-    Shell s;
-    Terminal terminal(s.session, s.ini);
-    whenModal([](QWidget *w) {
-        QCOMPARE(w->objectName(), QStringLiteral("MWPort"));
-        QCOMPARE(w->windowTitle(), QStringLiteral("Varnel Setup"));
-        w->findChild<QComboBox *>(QStringLiteral("CmbComPort"))->setCurrentIndex(2);
-        w->findChild<QComboBox *>(QStringLiteral("CmbBaudRate"))->setCurrentText(QStringLiteral("9600"));
-        w->findChild<QComboBox *>(QStringLiteral("CmbParity"))->setCurrentText(QStringLiteral("None"));
-        w->findChild<QCheckBox *>(QStringLiteral("ChkHandshakingHardware"))->setChecked(true);
-        w->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
-    });
-    s.session.IrDongleActive = true;
-    terminal.Load();
-    QVERIFY(s.port.PortOpen());
-    QCOMPARE(s.port.CommPort(), 3);
-    QCOMPARE(terminal.windowTitle(), QStringLiteral("COM3:9600,N,8,1"));
-    QVERIFY(!s.session.IrDongleActive);
-    QCOMPARE(s.ini.getString(QStringLiteral("Port_Phone"), QStringLiteral("Comm Port"), {}),
-             QStringLiteral("3"));
-    QCOMPARE(s.ini.getString(QStringLiteral("Port_Phone"), QStringLiteral("Settings"), {}),
-             QStringLiteral("9600,N,8,1"));
-    QCOMPARE(s.ini.getString(QStringLiteral("Port_Phone"), QStringLiteral("Handshaking"), {}),
-             QStringLiteral("2"));
-    QVERIFY(s.prompts.verify());
-}
-
-void ShellTest::missingKeyBringsTheDialogBack()
-{
-    Shell s;
-    s.writeIni(QString(kCompletePort).remove(QStringLiteral("Settings=9600,N,8,1\r\n")));
-    bool asked = false;
-    whenModal([&](QWidget *w) {
-        asked = true;
-        // The dialog shows what was read before the missing key.
-        QCOMPARE(w->findChild<QComboBox *>(QStringLiteral("CmbComPort"))->currentIndex(), 1);
-        w->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
-    });
-    Terminal terminal(s.session, s.ini);
-    terminal.Load();
-    QVERIFY(asked);
-    QVERIFY(s.ini.hasKey(QStringLiteral("Port_Phone"), QStringLiteral("Settings")));
-}
-
-void ShellTest::cancelAtFirstStartOffersToEnd()
-{
-    Shell s;
-    int ended = 0;
-    MWPort::endProgram() = [&] {
-        ++ended;
-        QApplication::activeModalWidget()->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
-    };
-    s.prompts.expectMsgBox(QStringLiteral("This will end your application"), MsgAnswer::Cancel)
-        .withTitle(QStringLiteral("Port Setup"))
-        .withButtons(MsgButtons::OkCancel)
-        .then([] {
-            // Cancel returns to the dialog: cancel once more and give up this time.
-            whenModal([](QWidget *w) { w->findChild<QPushButton *>(QStringLiteral("cmdCancel"))->click(); });
+    void firstStartAsksForThePort()
+    {
+        Shell s("");
+        whenModal([](QWidget *w) {
+            QCOMPARE(w->objectName() + w->windowTitle(), QStringLiteral("MWPortVarnel Setup"));
+            w->findChild<QComboBox *>(QStringLiteral("CmbComPort"))->setCurrentIndex(2);
+            w->findChild<QComboBox *>(QStringLiteral("CmbBaudRate"))->setCurrentText(QStringLiteral("9600"));
+            w->findChild<QComboBox *>(QStringLiteral("CmbParity"))->setCurrentText(QStringLiteral("None"));
+            w->findChild<QCheckBox *>(QStringLiteral("ChkHandshakingHardware"))->setChecked(true);
+            click(w, "cmdOK");
         });
-    s.prompts.expectMsgBox(QStringLiteral("This will end your application"), MsgAnswer::Ok);
-    whenModal([](QWidget *w) { w->findChild<QPushButton *>(QStringLiteral("cmdCancel"))->click(); });
-    Terminal terminal(s.session, s.ini);
-    terminal.Load();
-    QCOMPARE(ended, 1);
-    QVERIFY(s.prompts.verify());
-}
+        s.session.IrDongleActive = true;
+        Terminal terminal(s.session, s.ini);
+        terminal.Load();
+        QVERIFY(s.port.PortOpen() && !s.session.IrDongleActive);
+        QCOMPARE(terminal.windowTitle(), QStringLiteral("COM3:9600,N,8,1"));
+        QCOMPARE(s.key("Comm Port") + s.key("Settings") + s.key("Handshaking"),
+                 QStringLiteral("39600,N,8,12"));
+    }
 
-void ShellTest::openFailureLeadsBackToTheDialog()
-{
-    Shell s;
-    s.port.failNextOpen(AppErrors::DeviceBusy,
-                        QStringLiteral("Device busy: /dev/ttyUSB0 (COM1) is in use by another program."));
-    s.prompts.expectMsgBox(QStringLiteral("Device busy: /dev/ttyUSB0 (COM1) is in use by another program."));
-    int shown = 0;
-    std::function<void(QWidget *)> accept = [&](QWidget *w) {
-        ++shown;
-        if (shown == 1)
-            whenModal(accept);
-        else // the failed opening wrote no port key
-            QVERIFY(!s.ini.hasKey(QStringLiteral("Port_Phone"), QStringLiteral("Comm Port")));
-        w->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
-    };
-    whenModal(accept);
-    MWPort dialog(s.session, s.ini);
-    QVERIFY(dialog.SetPortSettings(s.port));
-    QCOMPARE(shown, 2);
-    QVERIFY(s.port.PortOpen());
-    QVERIFY(s.ini.hasKey(QStringLiteral("Port_Phone"), QStringLiteral("Comm Port")));
-    QVERIFY(s.prompts.verify());
-}
+    void missingKeyBringsTheDialogBack()
+    {
+        Shell s("[Port_Phone]\r\nComm Port=2\r\nDTREnable=True\r\n");
+        int comPort = -1;
+        whenModal([&](QWidget *w) {
+            // The dialog shows what was read before the missing key.
+            comPort = w->findChild<QComboBox *>(QStringLiteral("CmbComPort"))->currentIndex();
+            click(w, "cmdOK");
+        });
+        Terminal terminal(s.session, s.ini);
+        terminal.Load();
+        QCOMPARE(comPort, 1);
+        QCOMPARE(s.key("Settings").isEmpty(), false);
+    }
 
-void ShellTest::completeSectionOpensWithoutAsking()
-{
-    Shell s;
-    s.writeIni(QString(kCompletePort).replace(QStringLiteral("9600,N,8,1"), QStringLiteral("115200,N,8,1")));
-    Terminal terminal(s.session, s.ini);
-    terminal.Load();
-    QVERIFY(s.port.PortOpen());
-    QCOMPARE(s.port.CommPort(), 2);
-    QCOMPARE(s.port.lineSettings().baud, 115200);
-    QVERIFY(s.port.DTREnable());
-    QVERIFY(s.port.RTSEnable());
-    QCOMPARE(terminal.windowTitle(), QStringLiteral("COM2:115200,N,8,1"));
-    QVERIFY(s.prompts.verify());
-}
+    void cancelAtFirstStartOffersToEnd()
+    {
+        Shell s("");
+        int ended = 0;
+        MWPort::endProgram() = [&] {
+            ++ended;
+            click(QApplication::activeModalWidget(), "cmdOK");
+        };
+        s.prompts.expectMsgBox(QStringLiteral("This will end your application"), MsgAnswer::Cancel)
+            .withTitle(QStringLiteral("Port Setup"))
+            .withButtons(MsgButtons::OkCancel)
+            .then([] {
+                whenModal([](QWidget *w) { click(w, "cmdCancel"); });
+            }); // back in the dialog, cancel again
+        s.prompts.expectMsgBox(QStringLiteral("This will end your application"), MsgAnswer::Ok);
+        whenModal([](QWidget *w) { click(w, "cmdCancel"); });
+        s.menu.Load();
+        QCOMPARE(ended, 1);
+        QVERIFY(s.prompts.verify());
+    }
 
-void ShellTest::exitClosesPortAndWritesSettings()
-{
-    Shell s;
-    s.writeIni(kCompletePort + QStringLiteral("[Application]\r\nHide Intro=-1\r\n"));
-    MainMenu menu(s.session, s.ini);
-    menu.Load();
-    QVERIFY(!menu.terminal()->isVisible());
-    QVERIFY(s.port.PortOpen());
-    menu.close();
-    QVERIFY(!s.port.PortOpen());
-    const QString file = readFile(s.ini.path());
-    QVERIFY2(file.contains(QStringLiteral("Hide Intro=True")), qPrintable(file));
-    QVERIFY(file.contains(QStringLiteral("Hide Diag=False")));
-    QVERIFY(file.contains(QStringLiteral("Auto ZModem=")));
-}
+    void openFailureLeadsBackToTheDialog()
+    {
+        Shell s("");
+        s.port.failNextOpen(AppErrors::DeviceBusy, QStringLiteral("Device busy: /dev/ttyUSB0 (COM1)."));
+        s.prompts.expectMsgBox(QStringLiteral("Device busy: /dev/ttyUSB0 (COM1)."));
+        int shown = 0;
+        std::function<void(QWidget *)> accept = [&](QWidget *w) {
+            // The failed opening wrote no port number.
+            if (++shown == 1)
+                whenModal(accept);
+            else
+                QCOMPARE(s.key("Comm Port"), QString());
+            click(w, "cmdOK");
+        };
+        whenModal(accept);
+        MWPort dialog(s.session, s.ini);
+        QVERIFY(dialog.SetPortSettings(s.port));
+        QCOMPARE(shown, 2);
+        QVERIFY(s.port.PortOpen());
+        QCOMPARE(s.key("Comm Port"), QStringLiteral("1"));
+        QVERIFY(s.prompts.verify());
+    }
 
-void ShellTest::diagnosticsWithSilentModemStaysOnMainMenu()
-{
-    Shell s;
-    s.writeIni(kCompletePort);
-    MainMenu menu(s.session, s.ini);
-    menu.Load();
-    menu.show();
-    bool opened = false;
-    menu.openDiagnostics = [&] { opened = true; };
-    s.prompts.expectMsgBox(
-        QStringLiteral("The Varnel is not detected on the selected comm port.  Would you like to "
-                       "initialize the IR Dongel?"),
-        MsgAnswer::No);
-    s.prompts.expectMsgBox(
-        QStringLiteral("Not communicating.  Make sure last switch on switch block (#8 or #2) is "
-                       "down.  Then reset."),
-        MsgAnswer::Abort);
-    s.port.clearEvents();
-    menu.cmdDiags->click();
-    QVERIFY(s.prompts.verify());
-    QVERIFY(!opened);
-    QVERIFY(menu.isVisible());
-    QVERIFY(!s.port.written().contains("FA"));
+    void sectionsComeAndGo()
+    {
+        Shell s(kCompletePort);
+        s.menu.Load();
+        s.menu.show();
+        QVERIFY(s.port.PortOpen() && !s.menu.terminal()->isVisible());
+        QCOMPARE(s.menu.terminal()->windowTitle(), QStringLiteral("COM2:9600,N,8,1"));
 
-    s.modem.answer("\x03", "\r\nCMD:");
-    menu.cmdDiags->click();
-    QVERIFY(opened);
-    QVERIFY(!menu.isVisible());
-}
+        // Diagnostics needs the prompt: with a silent modem the user stays here, and "FA" is never sent.
+        bool diagnostics = false;
+        s.menu.openDiagnostics = [&] { diagnostics = true; };
+        s.prompts.expectMsgBox(
+            QStringLiteral("The Varnel is not detected on the selected comm port.  Would you like "
+                           "to initialize the IR Dongel?"),
+            MsgAnswer::No);
+        s.prompts.expectMsgBox(
+            QStringLiteral("Not communicating.  Make sure last switch on switch block (#8 or #2) "
+                           "is down.  Then reset."),
+            MsgAnswer::Abort);
+        s.menu.cmdDiags->click();
+        QVERIFY(!diagnostics && s.menu.isVisible() && !s.port.written().contains("FA"));
+        s.modem.answer("\x03", "\r\nCMD:");
+        s.menu.cmdDiags->click();
+        QVERIFY(diagnostics && !s.menu.isVisible());
 
-void ShellTest::terminalEmulationHandsThePortToTheScreen()
-{
-    Shell s;
-    s.writeIni(kCompletePort);
-    MainMenu menu(s.session, s.ini);
-    menu.Load();
-    menu.show();
-    s.port.setAutoProcess(0);
-    s.port.feed("old text");
-    s.port.clearEvents();
-    // The introduction comes last, with the port already in the terminal's hands.
-    bool introShown = false;
-    whenModal([&](QWidget *w) {
-        introShown = true;
-        QCOMPARE(w->objectName(), QStringLiteral("TermIntro"));
+        s.menu.show();
+        s.menu.cmdVnlPrg->click();
+        QVERIFY(!s.menu.isVisible() && s.menu.programmingMenu()->isVisible());
+        emit s.menu.programmingMenu()->returnedToMainMenu();
+        QVERIFY(s.menu.isVisible());
+        QCOMPARE(s.port.AutoProcess(), CommControl::kAutoProcessTerminal);
+        QVERIFY(s.prompts.verify());
+    }
+
+    void terminalEmulationHandsThePortToTheScreen()
+    {
+        Shell s;
+        s.menu.Load();
+        s.menu.show();
+        s.port.setAutoProcess(0);
+        s.port.feed("old text");
+        s.port.clearEvents();
+        // The introduction comes last, with the port already in the terminal's hands.
+        bool introShown = false;
+        whenModal([&](QWidget *w) {
+            introShown = w->objectName() == u"TermIntro" && s.port.AutoProcess() == 3 && !s.menu.isVisible();
+            w->findChild<QCheckBox *>(QStringLiteral("chkHide"))->setChecked(true);
+            click(w, "cmdOK");
+        });
+        s.menu.cmdTermEm->click();
+        QVERIFY(introShown);
+        QCOMPARE(s.port.writes(), QList<QByteArray>{"\r"});
+        QCOMPARE(s.port.InBufferCount(), 0);
+        QVERIFY(s.menu.terminal()->isVisible() && !s.menu.isVisible());
+
+        // "Exit to Main Menu" hides the window, keeps the port open, and the note stays away next time.
+        s.port.setAutoProcess(0);
+        s.menu.terminal()->MFile(4)->trigger();
+        QVERIFY(s.menu.isVisible() && !s.menu.terminal()->isVisible() && s.port.PortOpen());
         QCOMPARE(s.port.AutoProcess(), 3);
-        QVERIFY(!menu.isVisible());
-        w->findChild<QCheckBox *>(QStringLiteral("chkHide"))->setChecked(true);
-        w->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
-    });
-    menu.cmdTermEm->click();
-    QVERIFY(introShown);
-    QCOMPARE(s.port.writes(), QList<QByteArray>{"\r"});
-    QCOMPARE(s.port.AutoProcess(), 3);
-    QCOMPARE(s.port.InBufferCount(), 0);
-    QVERIFY(menu.terminal()->isVisible());
-    QVERIFY(!menu.isVisible());
+        s.menu.cmdTermEm->click();
+        QVERIFY(s.menu.terminal()->isVisible());
 
-    // "Exit to Main Menu" hides the window, keeps the port open, and the note stays away next time.
-    s.port.setAutoProcess(0);
-    menu.terminal()->MFile(4)->trigger();
-    QVERIFY(menu.isVisible());
-    QVERIFY(!menu.terminal()->isVisible());
-    QVERIFY(s.port.PortOpen());
-    QCOMPARE(s.port.AutoProcess(), 3);
-    menu.cmdTermEm->click();
-    QVERIFY(menu.terminal()->isVisible());
-    QVERIFY(s.prompts.verify());
-}
+        // Closing the main menu closes the port and writes the settings.
+        s.menu.close();
+        QVERIFY(!s.port.PortOpen());
+        QVERIFY(
+            readBytes(s.ini.path()).contains("Hide Intro=True\r\nHide Diag=False\r\nRepeater Setup=False"));
+        QVERIFY(s.prompts.verify());
+    }
 
-void ShellTest::programmingReturnsToMainMenu()
-{
-    Shell s;
-    s.writeIni(kCompletePort);
-    MainMenu menu(s.session, s.ini);
-    menu.Load();
-    menu.show();
-    menu.cmdVnlPrg->click();
-    QVERIFY(!menu.isVisible());
-    QVERIFY(menu.programmingMenu() && menu.programmingMenu()->isVisible());
-    s.port.setAutoProcess(0);
-    emit menu.programmingMenu()->returnedToMainMenu();
-    QVERIFY(menu.isVisible());
-    QCOMPARE(s.port.AutoProcess(), 3);
-}
-
-void ShellTest::productInformation()
-{
-    const QString mounts = QStringLiteral("sysfs /sys sysfs rw 0 0\n"
-                                          "/dev/sda1 / ext4 rw 0 0\n"
-                                          "/dev/sr0 /media/user/VARNEL\\040CD iso9660 ro 0 0\n"
-                                          "/dev/loop3 /mnt/image udf ro 0 0\n");
-    QCOMPARE(opticalMountPoints(mounts),
-             (QStringList{QStringLiteral("/media/user/VARNEL CD/"), QStringLiteral("/mnt/image/")}));
-    QVERIFY(opticalMountPoints(QStringLiteral("/dev/sda1 / ext4 rw 0 0\n")).isEmpty());
-
-    QCOMPARE(productInformationMessage(QString()),
-             QStringLiteral("You Must Have The Varnel Utility CD In Your CD Drive"));
-    QTemporaryDir disc;
-    const QString root = disc.path() + QLatin1Char('/');
-    QCOMPARE(productInformationMessage(root),
-             QStringLiteral("You Must Have The Varnel Utility CD In Your CD Drive"));
-    QFile page(root + QStringLiteral("1_default.html"));
-    QVERIFY(page.open(QIODevice::WriteOnly));
-    page.close();
-    QStringList opened;
-    desktopOpener() = [&](const QString &file) {
-        opened << file;
-        return false;
-    };
-    QCOMPARE(productInformationMessage(root),
-             QStringLiteral("You Must The Varnel Resource Disk In Your CD Drive"));
-    desktopOpener() = [&](const QString &file) {
-        opened << file;
-        return true;
-    };
-    QCOMPARE(productInformationMessage(root), QString());
-    QCOMPARE(opened.last(), root + QStringLiteral("1_default.html"));
-}
+    void productInformation()
+    {
+        QCOMPARE(opticalMountPoints(
+                     QStringLiteral("sysfs /sys sysfs rw 0 0\n/dev/sda1 / ext4 rw 0 0\n/dev/sr0 "
+                                    "/media/user/VARNEL\\040CD iso9660 ro 0 0\n/dev/cdrom1 /cd vfat ro "
+                                    "0 0\n/dev/loop3 /mnt/image/ udf ro 0 0\nbad line\n")),
+                 (QStringList{QStringLiteral("/media/user/VARNEL CD/"), QStringLiteral("/cd/"),
+                              QStringLiteral("/mnt/image/")}));
+        const QString noDisc = QStringLiteral("You Must Have The Varnel Utility CD In Your CD Drive");
+        QCOMPARE(productInformationMessage(QString()), noDisc);
+        QTemporaryDir disc;
+        const QString root = disc.path() + u'/';
+        QCOMPARE(productInformationMessage(root), noDisc);
+        QVERIFY(writeBytes(root + QStringLiteral("1_default.html"), ""));
+        QStringList opened;
+        for (const bool started : {false, true}) {
+            desktopOpener() = [&](const QString &file) {
+                opened << file;
+                return started;
+            };
+            QCOMPARE(productInformationMessage(root),
+                     started ? QString()
+                             : QStringLiteral("You Must The Varnel Resource Disk In Your CD Drive"));
+        }
+        QCOMPARE(opened, QStringList(2, root + QStringLiteral("1_default.html")));
+        QVERIFY(!OpenWithAssociation(QStringLiteral("/tmp/no-suffix")));
+    }
+};
 
 QTEST_MAIN(ShellTest)
 #include "ShellTest.moc"

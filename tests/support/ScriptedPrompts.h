@@ -1,55 +1,40 @@
 #pragma once
 
 #include "Prompts.h"
+#include "TimeSource.h"
 
 #include <QList>
 #include <QStringList>
+#include <QTest>
 #include <functional>
-
-class TimeSource;
 
 // Prompts for tests: each box, input box and file dialog must have been expected, in order, with
 // its exact text. An unexpected one fails the running test and is answered with a cancel.
 class ScriptedPrompts : public Prompts
 {
 public:
+    enum class Kind { MsgBox, InputBox, FileDialog, FontDialog };
     struct Expectation
     {
-        enum class Kind { MsgBox, InputBox, FileDialog, FontDialog };
         Kind kind = Kind::MsgBox;
         QString text; // box text, input prompt, or dialog title (empty: any title)
-        std::optional<MsgIcon> icon;
-        std::optional<MsgButtons> buttons;
-        std::optional<QString> title;
-        std::optional<int> defaultButton;
         MsgAnswer answer = MsgAnswer::Ok;
-        std::optional<QString> reply;   // input box text, file name; nullopt: cancel
-        std::optional<FontChoice> font; // font dialog answer
-        std::function<void()> onShow;   // runs when the box is shown, before it is answered
+        std::optional<QString> reply = {};   // input box text, file name; nullopt: cancel
+        std::optional<FontChoice> font = {}; // font dialog answer
+        std::optional<MsgIcon> icon = {};
+        std::optional<MsgButtons> buttons = {};
+        std::optional<QString> title = {};
+        std::function<void()> onShow = {}; // runs when the box is shown, before it is answered
 
-        Expectation &withIcon(MsgIcon i)
+        Expectation &withIcon(MsgIcon i) { return set(icon, i); }
+        Expectation &withButtons(MsgButtons b) { return set(buttons, b); }
+        Expectation &withTitle(const QString &t) { return set(title, t); }
+        Expectation &then(std::function<void()> fn) { return set(onShow, std::move(fn)); }
+
+    private:
+        template <typename F, typename V> Expectation &set(F &field, V &&value)
         {
-            icon = i;
-            return *this;
-        }
-        Expectation &withButtons(MsgButtons b)
-        {
-            buttons = b;
-            return *this;
-        }
-        Expectation &withTitle(const QString &t)
-        {
-            title = t;
-            return *this;
-        }
-        Expectation &withDefault(int d)
-        {
-            defaultButton = d;
-            return *this;
-        }
-        Expectation &then(std::function<void()> fn)
-        {
-            onShow = std::move(fn);
+            field = std::forward<V>(value);
             return *this;
         }
     };
@@ -57,47 +42,115 @@ public:
     // A record of what was shown, for assertions on order and timing.
     struct Shown
     {
-        Expectation::Kind kind;
+        Kind kind;
         QString text;
-        QString title;
-        MsgIcon icon = MsgIcon::None;
-        MsgButtons buttons = MsgButtons::OkOnly;
         qint64 atMs = 0;
     };
 
     explicit ScriptedPrompts(const TimeSource *clock = nullptr) : m_clock(clock) {}
-    ~ScriptedPrompts() override;
 
-    Expectation &expectMsgBox(const QString &text, MsgAnswer answer = MsgAnswer::Ok);
-    Expectation &expectInputBox(const QString &prompt, std::optional<QString> reply);
-    Expectation &expectFileDialog(std::optional<QString> fileName, const QString &title = {});
-    Expectation &expectFontDialog(std::optional<FontChoice> font);
+    Expectation &expectMsgBox(const QString &text, MsgAnswer answer = MsgAnswer::Ok)
+    {
+        return add({Kind::MsgBox, text, answer});
+    }
+    Expectation &expectInputBox(const QString &prompt, std::optional<QString> reply)
+    {
+        return add({Kind::InputBox, prompt, MsgAnswer::Ok, std::move(reply)});
+    }
+    Expectation &expectFileDialog(std::optional<QString> fileName, const QString &title = {})
+    {
+        return add({Kind::FileDialog, title, MsgAnswer::Ok, std::move(fileName)});
+    }
+    Expectation &expectFontDialog(std::optional<FontChoice> font)
+    {
+        return add({Kind::FontDialog, {}, MsgAnswer::Ok, {}, std::move(font)});
+    }
 
     // True when every expectation was met; reports what is left to the running test otherwise.
-    bool verify();
-    int pending() const { return int(m_script.size()); }
+    bool verify()
+    {
+        QStringList left;
+        for (const Expectation &e : std::as_const(m_script))
+            left << QStringLiteral("%1 \"%2\"").arg(kindName(e.kind), e.text);
+        m_script.clear();
+        if (!left.isEmpty())
+            fail(QStringLiteral("Expected but never shown: ") + left.join(QStringLiteral("; ")));
+        return left.isEmpty();
+    }
     const QList<Shown> &shown() const { return m_shown; }
-    QStringList shownTexts() const;
     int beeps() const { return m_beeps; }
-
-    MsgAnswer MsgBox(const MsgBoxRequest &request) override;
-    std::optional<QString> InputBox(const InputBoxRequest &request) override;
-    QString FileDialog(const FileDialogRequest &request) override;
-    std::optional<FontChoice> FontDialog(const FontChoice &initial, const QString &title) override;
-    void Beep() override { ++m_beeps; }
-    void setBusy(bool busy) override { m_busy = busy; }
     // Whether the hourglass is up now.
     bool busy() const { return m_busy; }
-    using Prompts::InputBox;
-    using Prompts::MsgBox;
-
     // The last file dialog request, for checks of filters and titles.
     const FileDialogRequest &lastFileDialog() const { return m_lastFileDialog; }
 
+    MsgAnswer MsgBox(const MsgBoxRequest &r) override
+    {
+        const auto e = take(Kind::MsgBox, r.text, r.title, r.icon, r.buttons);
+        return e ? e->answer : r.buttons == MsgButtons::OkOnly ? MsgAnswer::Ok : MsgAnswer::Cancel;
+    }
+    std::optional<QString> InputBox(const InputBoxRequest &r) override
+    {
+        const auto e = take(Kind::InputBox, r.prompt, r.title);
+        return e ? e->reply : std::nullopt;
+    }
+    QString FileDialog(const FileDialogRequest &r) override
+    {
+        m_lastFileDialog = r;
+        const auto e = take(Kind::FileDialog, r.title, r.title);
+        return e ? e->reply.value_or(QString()) : QString();
+    }
+    std::optional<FontChoice> FontDialog(const FontChoice &, const QString &title) override
+    {
+        const auto e = take(Kind::FontDialog, title, title);
+        return e ? e->font : std::nullopt;
+    }
+    void Beep() override { ++m_beeps; }
+    void setBusy(bool busy) override { m_busy = busy; }
+    using Prompts::InputBox;
+    using Prompts::MsgBox;
+
 private:
-    std::optional<Expectation> take(Expectation::Kind kind, const QString &text);
-    void record(Expectation::Kind kind, const QString &text, const QString &title,
-                MsgIcon icon = MsgIcon::None, MsgButtons buttons = MsgButtons::OkOnly);
+    static QString kindName(Kind kind)
+    {
+        static const char *const names[] = {"message box", "input box", "file dialog", "font dialog"};
+        return QLatin1String(names[int(kind)]);
+    }
+    static void fail(const QString &message) { QTest::qFail(qPrintable(message), __FILE__, __LINE__); }
+    Expectation &add(Expectation &&e) { return m_script.emplace_back(std::move(e)); }
+
+    // Records what is shown and takes the next expectation, failing the test where they differ.
+    std::optional<Expectation> take(Kind kind, const QString &text, const QString &title,
+                                    MsgIcon icon = MsgIcon::None, MsgButtons buttons = MsgButtons::OkOnly)
+    {
+        m_shown.append({kind, text, m_clock ? m_clock->elapsedMs() : 0});
+        const QString shown = QStringLiteral("%1 \"%2\"").arg(kindName(kind), text);
+        if (m_script.isEmpty()) {
+            fail(QStringLiteral("Unexpected ") + shown);
+            return std::nullopt;
+        }
+        Expectation e = m_script.takeFirst();
+        const bool anyText = kind == Kind::FontDialog || (kind == Kind::FileDialog && e.text.isEmpty());
+        if (e.kind != kind || (!anyText && e.text != text)) {
+            fail(QStringLiteral("Expected %1 \"%2\" but got %3").arg(kindName(e.kind), e.text, shown));
+            return std::nullopt;
+        }
+        // The features the expectation names, as they were shown and as they were expected.
+        static const char *const icons[] = {"plain", "critical", "question", "exclamation", "information"};
+        static const char *const rows[] = {"OK",     "OK/Cancel",   "Abort/Retry/Ignore", "Yes/No/Cancel",
+                                           "Yes/No", "Retry/Cancel"};
+        const auto look = [&](const Expectation &x) {
+            return QStringLiteral("%1 icon, %2 buttons, title \"%3\"")
+                .arg(QLatin1String(icons[int(x.icon.value_or(icon))]),
+                     QLatin1String(rows[int(x.buttons.value_or(buttons))]), x.title.value_or(title));
+        };
+        if (look(e) != look(Expectation{}))
+            fail(shown + QStringLiteral(": ") + look(Expectation{}) + QStringLiteral(", expected ") +
+                 look(e));
+        if (e.onShow)
+            e.onShow();
+        return e;
+    }
 
     const TimeSource *m_clock;
     QList<Expectation> m_script;
@@ -106,6 +159,3 @@ private:
     int m_beeps = 0;
     bool m_busy = false;
 };
-
-const char *toString(MsgIcon icon);
-const char *toString(MsgButtons buttons);

@@ -4,9 +4,6 @@
 #include "ModemSession.h"
 #include "ScriptedModem.h"
 #include "ScriptedPrompts.h"
-#include "TimeSource.h"
-
-#include <QStringList>
 
 // A modem session on virtual time over an in-memory port with canned answers and scripted boxes:
 // the bench on which the conversations are tested. The port starts open, with the given AutoProcess.
@@ -25,13 +22,24 @@ struct SessionRig
         port.clearEvents();
     }
 
-    // The writes, each as "ms:bytes" with the bytes shown by show.
-    QStringList transcript(QString (*show)(const QByteArray &)) const
+    // Bytes as a transcript shows them: a carriage return as "\r", other control bytes in hex ("<03>").
+    static QString shown(const QByteArray &bytes)
+    {
+        QString text;
+        for (const char c : bytes)
+            text += c == '\r' ? QStringLiteral("\\r")
+                    : c >= ' ' && c < 127
+                        ? QString(QLatin1Char(c))
+                        : QStringLiteral("<%1>").arg(uchar(c), 2, 16, QLatin1Char('0')).toUpper();
+        return text;
+    }
+    // The writes, each as "ms:bytes".
+    QStringList transcript() const
     {
         QStringList lines;
         for (const WireEvent &e : port.events())
             if (e.kind == WireEvent::Kind::Write)
-                lines << QStringLiteral("%1:%2").arg(e.atMs).arg(show(e.bytes));
+                lines << QStringLiteral("%1:%2").arg(e.atMs).arg(shown(e.bytes));
         return lines;
     }
 };

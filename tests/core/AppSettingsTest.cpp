@@ -139,15 +139,7 @@ QByteArray filled(const char *text)
 }
 
 // The text a button sends, the value stored for it, and the text that value gives back.
-struct Tag
-{
-    const char *name;
-    const char *tag;
-    const char *value;
-    const char *back;
-};
-
-const Tag kTags[] = {
+const char *const kTags[][4] = {
     {"final carriage return", "model\r", "model~", "model\r"},
     {"only the first one counts", "ab\rcd\r", "ab~", "ab\r"},
     {"typed tilde counts as one", "x~y\r", "x~", "x\r"},
@@ -224,9 +216,9 @@ private slots:
     void buttonValues_data() { addRows(kTags); }
     void buttonValues()
     {
-        const Tag &t = fetchRow(kTags);
-        QCOMPARE(buttonValueText(QLatin1String(t.tag)), QLatin1String(t.value));
-        QCOMPARE(buttonTagFromValue(QLatin1String(t.value)), QLatin1String(t.back));
+        const auto &[name, tag, value, back] = fetchRow(kTags);
+        QCOMPARE(buttonValueText(QLatin1String(tag)), QLatin1String(value));
+        QCOMPARE(buttonTagFromValue(QLatin1String(value)), QLatin1String(back));
     }
 };
 

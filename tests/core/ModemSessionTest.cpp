@@ -35,82 +35,57 @@ const BoxLook kBoxes[] = {
 };
 
 // The far end's canned answers, by name: what it hears, what it says, how much later.
-struct Answer
-{
-    const char *key;
-    const char *trigger;
-    const char *reply;
-    int delayMs;
-};
-
-const Answer kAnswers[] = {
-    {"prompt", "\x03", "\r\nCMD:", 20},
-    {"unit address", "FA\r", "\r\nUnit Address? \r\nCMD:", 40},
-    {"adaptor", "\xC0", "\xC2", 10},
+const char *const kAnswers[][4] = {
+    {"prompt", "\x03", "\r\nCMD:", "20"},
+    {"unit address", "FA\r", "\r\nUnit Address? \r\nCMD:", "40"},
+    {"adaptor", "\xC0", "\xC2", "10"},
     // A modem in a data mode ignores the lone Ctrl-C but echoes a line for the carriage return.
-    {"any line", "\x03\r", "garbage\r\n", 50},
+    {"any line", "\x03\r", "garbage\r\n", "50"},
 };
 
-// An entry routine against a far end (answers by name) and a user (the answers to the boxes in
-// turn): the timeline of writes, line settings, control lines and boxes, with their times, and after
-// it "result AutoProcess settings adaptor dtr rts".
-struct Entry
-{
-    const char *name;
-    const char *routine;
-    const char *answers;
-    const char *user;
-    const char *timeline;
-    const char *after;
-    qint64 elapsedMs;
-    bool closedPort = false;
-};
-
-const Entry kEntries[] = {
+// An entry routine (on a closed port where it says so) against a far end (answers by name) and a
+// user (the answers to the boxes in turn): the timeline of writes, line settings, control lines and
+// boxes with their times; after it "result AutoProcess settings adaptor dtr rts", and the time taken.
+const char *const kEntries[][7] = {
     {"prompt at the first Ctrl-C", "EnterCommandMode", "prompt", "", "0:<03>",
-     "yes 3 19200,n,8,1 off dtr rts", 100},
+     "yes 3 19200,n,8,1 off dtr rts", "100"},
     {"factory default when Ctrl-C is missed", "EnterCommandMode", "unit address", "", "0:<03> | 1000:FA\\r",
-     "yes 3 19200,n,8,1 off dtr rts", 1100},
+     "yes 3 19200,n,8,1 off dtr rts", "1100"},
     {"silent, no adaptor, retry", "EnterCommandMode", "", "No Retry Ok",
      "0:<03> | 1000:FA\\r | 2000:dongle? | 2000:FA\\r | 4000:switch | 4000:<03>FA\\r | 6000:unable",
-     "no 0 19200,n,8,1 off dtr rts", 6000},
+     "no 0 19200,n,8,1 off dtr rts", "6000"},
     {"silent, no adaptor, abort", "EnterCommandMode", "", "No Abort",
-     "0:<03> | 1000:FA\\r | 2000:dongle? | 2000:FA\\r | 4000:switch", "no 3 19200,n,8,1 off dtr rts", 4000},
-    {"closed port: boxes, no failure", "EnterCommandMode", "", "No Retry Ok",
-     "2000:dongle? | 4000:switch | 6000:unable", "no 0 19200,n,8,1 off dtr rts", 6000, true},
+     "0:<03> | 1000:FA\\r | 2000:dongle? | 2000:FA\\r | 4000:switch", "no 3 19200,n,8,1 off dtr rts", "4000"},
+    {"closed port: boxes, no failure", "EnterCommandMode, closed port", "", "No Retry Ok",
+     "2000:dongle? | 4000:switch | 6000:unable", "no 0 19200,n,8,1 off dtr rts", "6000"},
     {"adaptor silent", "EnterCommandMode", "", "Yes Ok",
      "0:<03> | 1000:FA\\r | 2000:dongle? | 2000:settings 9600,n,8,1 | 2000:dtr 1 rts 0 | 2030:dtr 1 rts 1 | "
      "2030:dtr 0 rts 1 | 2030:<D1> | 2030:<C0> | 2230:dongle silent | 2230:settings 19200,n,8,1 | "
      "2230:dtr 0 rts 1 | 2230:dtr 1 rts 1",
-     "no 3 19200,n,8,1 off dtr rts", 2230},
+     "no 3 19200,n,8,1 off dtr rts", "2230"},
     {"adaptor up, modem silent, cancel", "EnterCommandMode", "adaptor", "Yes Cancel",
      "0:<03> | 1000:FA\\r | 2000:dongle? | 2000:adaptor up | 2230:<03> | 4230:bit 8",
-     "no 3 9600,n,8,1 on dtr rts", 4230},
+     "no 3 9600,n,8,1 on dtr rts", "4230"},
     {"adaptor up, modem silent, retry", "EnterCommandMode", "adaptor", "Yes Retry Ok",
      "0:<03> | 1000:FA\\r | 2000:dongle? | 2000:adaptor up | 2230:<03> | 4230:bit 8 | 4230:<03>FA\\r | "
      "6230:get find",
-     "no 3 9600,n,8,1 on dtr rts", 6230},
+     "no 3 9600,n,8,1 on dtr rts", "6230"},
     {"keep: never a factory default", "EnterCommandModeKeep", "", "No Ignore Ok",
      "0:<03> | 1000:<03>\\r | 2000:dongle? | 2000:<03> | 4000:switch | 4000:<03>\\r | 6000:keep unable",
-     "no 0 19200,n,8,1 off dtr rts", 6000},
+     "no 0 19200,n,8,1 off dtr rts", "6000"},
     {"keep: adaptor up, modem silent, retry", "EnterCommandModeKeep", "adaptor", "Yes Retry Ok",
      "0:<03> | 1000:<03>\\r | 2000:dongle? | 2000:adaptor up | 2230:<03> | 4230:keep retry | 4230:<03>\\r | "
      "6230:keep get find",
-     "no 3 9600,n,8,1 on dtr rts", 6230},
+     "no 3 9600,n,8,1 on dtr rts", "6230"},
     {"keep: any line will do", "EnterCommandModeKeep", "any line", "", "0:<03> | 1000:<03>\\r",
-     "yes 3 19200,n,8,1 off dtr rts", 1100},
+     "yes 3 19200,n,8,1 off dtr rts", "1100"},
     {"probe: quiet, then factory default", "ProbeCommandPrompt", "", "", "0:<03> | 1000:FA\\r",
-     "no 3 19200,n,8,1 off dtr rts", 2000},
-    {"probe: prompt", "ProbeCommandPrompt", "prompt", "", "0:<03>", "yes 3 19200,n,8,1 off dtr rts", 100},
+     "no 3 19200,n,8,1 off dtr rts", "2000"},
+    {"probe: prompt", "ProbeCommandPrompt", "prompt", "", "0:<03>", "yes 3 19200,n,8,1 off dtr rts", "100"},
     {"probe: factory default", "ProbeCommandPrompt", "unit address", "", "0:<03> | 1000:FA\\r",
-     "yes 3 19200,n,8,1 off dtr rts", 1100},
-    {"adaptor start-up", "InitIrDongle", "adaptor", "", "0:adaptor up", "- 0 9600,n,8,1 on dtr rts", 230},
+     "yes 3 19200,n,8,1 off dtr rts", "1100"},
+    {"adaptor start-up", "InitIrDongle", "adaptor", "", "0:adaptor up", "- 0 9600,n,8,1 on dtr rts", "230"},
 };
-
-QStringList items(const char *list)
-{
-    return QString::fromLatin1(list).split(QStringLiteral(" | "), Qt::SkipEmptyParts);
-}
 
 // The adaptor's start-up from time t, as it should go, shown as "t:adaptor up".
 QStringList adaptorUp(qint64 t)
@@ -156,47 +131,36 @@ QString yes(bool value)
 }
 
 // A primitive on a line that delivers some bytes at once and others later ("bytes@ms"): its result,
-// what waits unread after it, the time it took, and the writes when they are given.
-struct Wait
-{
-    const char *name;
-    const char *call;
-    const char *now;
-    const char *later;
-    const char *result;
-    qint64 elapsedMs;
-    int autoProcess = 0;
-    const char *writes = nullptr;
-};
-
-const Wait kWaits[] = {
-    {"reply: shorter than one step", "reply 99", "CMD:", "", "no, 4 left", 0},
-    {"reply: steps of 100 ms", "reply 250", "", "", "no, 0 left", 200},
-    {"reply: split prompt", "reply 1000", "", "\r\nCM@50 | D:@150", "yes, 0 left", 200},
-    {"checked: refusal seen after the loop", "checked", "", "INVALID\r\nCMD:@30", "no, 0 left", 100},
-    {"checked: ambiguous", "checked", "", "AMBIGUOUS\r\nCMD:@30", "no, 0 left", 100},
-    {"checked: refusal without prompt", "checked", "", "INVALID\r\n@30", "no, 0 left", 1000},
-    {"checked: accepted", "checked", "", "\r\nCMD:@30", "yes, 0 left", 100},
-    {"polled: failure", "polled 3000", "", "12 SS03 \r@250", "found no failed yes, 0 left", 300},
-    {"polled: found", "polled 3000", "", "12 SS00 \r@250", "found yes failed no, 0 left", 300},
-    {"polled: silent", "polled 500", "", "", "found no failed no, 0 left", 500},
-    {"bytes: silent, from the terminal", "bytes", "", "", ", 0 left", 5100, 3},
-    {"bytes: as many as asked are not enough", "bytes", "0123456789", "", ", 10 left", 5200},
+// what waits unread after it, the time it took, the port's mode before it, and the writes when given.
+const char *const kWaits[][8] = {
+    {"reply: shorter than one step", "reply 99", "CMD:", "", "no, 4 left", "0", "0"},
+    {"reply: steps of 100 ms", "reply 250", "", "", "no, 0 left", "200", "0"},
+    {"reply: split prompt", "reply 1000", "", "\r\nCM@50 | D:@150", "yes, 0 left", "200", "0"},
+    {"checked: refusal seen after the loop", "checked", "", "INVALID\r\nCMD:@30", "no, 0 left", "100", "0"},
+    {"checked: ambiguous", "checked", "", "AMBIGUOUS\r\nCMD:@30", "no, 0 left", "100", "0"},
+    {"checked: refusal without prompt", "checked", "", "INVALID\r\n@30", "no, 0 left", "1000", "0"},
+    {"checked: accepted", "checked", "", "\r\nCMD:@30", "yes, 0 left", "100", "0"},
+    {"polled: failure", "polled 3000", "", "12 SS03 \r@250", "found no failed yes, 0 left", "300", "0"},
+    {"polled: found", "polled 3000", "", "12 SS00 \r@250", "found yes failed no, 0 left", "300", "0"},
+    {"polled: silent", "polled 500", "", "", "found no failed no, 0 left", "500", "0"},
+    {"bytes: silent, from the terminal", "bytes", "", "", ", 0 left", "5100", "3"},
+    {"bytes: as many as asked are not enough", "bytes", "0123456789", "", ", 10 left", "5200", "0"},
     // The reply has begun; it is whole once two looks a step apart agree.
     {"bytes: a gap ends the reply", "bytes, then more", "",
      "aaaaaaaaaaaaaaaaaaaa@50 | bbbbbbbbbbbbbbbbbbbb@400",
-     "aaaaaaaaaaaaaaaaaaaa|bbbbbbbbbbbbbbbbbbbb, 0 left", 500},
-    {"bytes ok: silent", "bytes ok", "", "", "no, 0 left", 5100, 3},
-    {"bytes ok: as many as asked are not enough", "bytes ok", "0123456789", "", "no, 10 left", 5100},
+     "aaaaaaaaaaaaaaaaaaaa|bbbbbbbbbbbbbbbbbbbb, 0 left", "500", "0"},
+    {"bytes ok: silent", "bytes ok", "", "", "no, 0 left", "5100", "3"},
+    {"bytes ok: as many as asked are not enough", "bytes ok", "0123456789", "", "no, 10 left", "5100", "0"},
     // ok stays as the caller set it when the bytes were there at the first look; settling takes 5 ms steps.
-    {"bytes ok: there at once", "bytes ok, preset no", "MODEL     = Q4U\r\n", "", "no, 17 left", 5},
-    {"bytes ok: later", "bytes ok, preset no", "", "MODEL     = Q4U\r\n@150", "yes, 17 left", 205},
-    {"command over the adaptor: a character at a time", "adaptor: Squelch", "stale", "", ", 0 left", 8, 0,
+    {"bytes ok: there at once", "bytes ok, preset no", "MODEL     = Q4U\r\n", "", "no, 17 left", "5", "0"},
+    {"bytes ok: later", "bytes ok, preset no", "", "MODEL     = Q4U\r\n@150", "yes, 17 left", "205", "0"},
+    {"command over the adaptor: a character at a time", "adaptor: Squelch", "stale", "", ", 0 left", "8", "0",
      "0:S | 1:q | 2:u | 3:e | 4:l | 5:c | 6:h | 7:\\r"},
-    {"command over the cable", "Squelch", "stale", "", ", 0 left", 0, 0, "0:Squelch\\r"},
-    {"command in one write over the adaptor", "adaptor: one write", "", "", ", 0 left", 0, 0, "0:Model\\r"},
-    {"text as it stands over the adaptor", "adaptor: text", "stale", "", ", 5 left", 2, 0, "0:a | 1:b"},
-    {"closed port: the write fails", "closed", "", "", "error 8018, 0 left", 0},
+    {"command over the cable", "Squelch", "stale", "", ", 0 left", "0", "0", "0:Squelch\\r"},
+    {"command in one write over the adaptor", "adaptor: one write", "", "", ", 0 left", "0", "0",
+     "0:Model\\r"},
+    {"text as it stands over the adaptor", "adaptor: text", "stale", "", ", 5 left", "2", "0", "0:a | 1:b"},
+    {"closed port: the write fails", "closed", "", "", "error 8018, 0 left", "0", "0"},
 };
 
 QString call(ModemSession &s, const QString &how)
@@ -245,23 +209,24 @@ private slots:
     void entries_data() { addRows(kEntries); }
     void entries()
     {
-        const Entry &e = fetchRow(kEntries);
+        const auto &[name, routineName, answers, userAnswers, expected, after, elapsedMs] =
+            fetchRow(kEntries);
         SessionRig rig(CommControl::kAutoProcessTerminal);
-        if (e.closedPort)
+        if (QByteArray(routineName).endsWith("closed port"))
             rig.port.setPortOpen(false);
-        for (const QString &key : items(e.answers)) {
-            for (const Answer &a : kAnswers)
-                if (key == QLatin1String(a.key))
-                    rig.modem.answer(a.trigger, a.reply, a.delayMs);
+        for (const QString &key : items(answers)) {
+            for (const auto &[answer, trigger, reply, delayMs] : kAnswers)
+                if (key == QLatin1String(answer))
+                    rig.modem.answer(trigger, reply, atoi(delayMs));
         }
-        const QStringList user = QString::fromLatin1(e.user).split(u' ', Qt::SkipEmptyParts);
+        const QStringList user = QString::fromLatin1(userAnswers).split(u' ', Qt::SkipEmptyParts);
         const QStringList answerNames{QStringLiteral("Ok"),     QStringLiteral("Cancel"),
                                       QStringLiteral("Abort"),  QStringLiteral("Retry"),
                                       QStringLiteral("Ignore"), QStringLiteral("Yes"),
                                       QStringLiteral("No")};
         QList<std::pair<qsizetype, QString>> boxes;
         int next = 0;
-        for (const QString &line : items(e.timeline)) {
+        for (const QString &line : items(expected)) {
             for (const BoxLook &b : kBoxes) {
                 if (line.section(u':', 1) != QLatin1String(b.key))
                     continue;
@@ -278,7 +243,7 @@ private slots:
             }
         }
         QString result = QStringLiteral("-");
-        const QString routine = QLatin1String(e.routine);
+        const QString routine = QString::fromLatin1(routineName).section(u',', 0, 0);
         if (routine == u"InitIrDongle") {
             rig.port.setAutoProcess(0);
             rig.session.InitIrDongle();
@@ -288,7 +253,7 @@ private slots:
                                                               : rig.session.ProbeCommandPrompt());
         }
         QVERIFY(rig.prompts.verify());
-        QCOMPARE(timeline(rig.port, boxes), items(e.timeline));
+        QCOMPARE(timeline(rig.port, boxes), items(expected));
         const auto word = [](bool on, const char *what) {
             return on ? QLatin1String(what) : QLatin1String("-");
         };
@@ -298,26 +263,26 @@ private slots:
                      .arg(rig.port.Settings(),
                           rig.session.IrDongleActive ? QStringLiteral("on") : QStringLiteral("off"),
                           word(rig.port.DTREnable(), "dtr"), word(rig.port.RTSEnable(), "rts")),
-                 QLatin1String(e.after));
-        QCOMPARE(rig.time.elapsedMs(), e.elapsedMs);
+                 QLatin1String(after));
+        QCOMPARE(rig.time.elapsedMs(), qint64(atoi(elapsedMs)));
     }
 
     void waits_data() { addRows(kWaits); }
     void waits()
     {
-        const Wait &w = fetchRow(kWaits);
-        SessionRig rig(w.autoProcess);
-        rig.port.feed(w.now);
-        for (const QString &later : items(w.later))
-            rig.modem.sendLater(later.section(u'@', 0, 0).toLatin1(), later.section(u'@', 1).toInt());
+        const auto &[name, how, now, later, expected, elapsedMs, autoProcess, writes] = fetchRow(kWaits);
+        SessionRig rig(atoi(autoProcess));
+        rig.port.feed(now);
+        for (const QString &bytes : items(later))
+            rig.modem.sendLater(bytes.section(u'@', 0, 0).toLatin1(), bytes.section(u'@', 1).toInt());
         rig.port.clearEvents();
-        const QString result = call(rig.session, QLatin1String(w.call));
+        const QString result = call(rig.session, QLatin1String(how));
         QCOMPARE(QStringLiteral("%1, %2 left").arg(result).arg(rig.port.InBufferCount()),
-                 QLatin1String(w.result));
-        QCOMPARE(rig.time.elapsedMs(), w.elapsedMs);
+                 QLatin1String(expected));
+        QCOMPARE(rig.time.elapsedMs(), qint64(atoi(elapsedMs)));
         QCOMPARE(rig.port.AutoProcess(), 0);
-        if (w.writes)
-            QCOMPARE(rig.transcript(), items(w.writes));
+        if (writes)
+            QCOMPARE(rig.transcript(), items(writes));
     }
 
     void nestedWaitRearmsTheOneTimer()

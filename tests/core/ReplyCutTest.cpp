@@ -3,18 +3,10 @@
 #include "Tables.h"
 
 namespace {
-// How a value is cut: "fixed", "latch", "equals", "hex" (name as given), "from N" (the version's end
-// searched from position N), "lines" (the numbered lines joined by "|", then the error if one came).
-struct Cut
-{
-    const char *name;
-    const char *how;
-    const char *reply;
-    const char *field;
-    const char *value;
-};
-
-const Cut kCuts[] = {
+// How a value is cut from a reply by a field's name: "fixed", "latch", "equals", "hex", "from N" (the
+// version's end searched from position N), "lines" (the numbered lines joined by "|", then the error if
+// one came); and the value.
+const char *const kCuts[][5] = {
     {"fixed plain", "fixed", "MODEL    = Q4U\r\nCMD:", "MODEL", "Q4U"},
     {"fixed passes over the mixed-case echo", "fixed", "Model\r\nMODEL    = Q4U\r\nCMD:", "MODEL", "Q4U"},
     {"fixed trims blanks", "fixed", "S/N      = 12345  \r\n", "S/N", "12345"},
@@ -95,9 +87,8 @@ private slots:
     void cuts_data() { addRows(kCuts); }
     void cuts()
     {
-        const Cut &c = fetchRow(kCuts);
-        QCOMPARE(cut(QLatin1String(c.how), QLatin1String(c.reply), QLatin1String(c.field)),
-                 QLatin1String(c.value));
+        const auto &[name, how, reply, field, value] = fetchRow(kCuts);
+        QCOMPARE(cut(QLatin1String(how), QLatin1String(reply), QLatin1String(field)), QLatin1String(value));
     }
 
     void thirtyNumberedLinesAtMost()

@@ -12,15 +12,7 @@
 
 namespace {
 // Command lines (joined by " | ") and the text of their file: written ("->"), read ("<-"), or both.
-struct Text
-{
-    const char *name;
-    const char *way;
-    const char *lines;
-    const char *text;
-};
-
-const Text kTexts[] = {
+const char *const kTexts[][4] = {
     {"two lines", "<->", "ADD 5 | NET 12", "ADD 5\r\nNET 12\r\n\r\n"},
     {"one line", "<->", "save", "save\r\n\r\n"},
     {"a line of blanks stays", "<->", "ADD 5 |     | NET 12", "ADD 5\r\n   \r\nNET 12\r\n\r\n"},
@@ -49,41 +41,32 @@ const char *const kFilters[][2] = {
 // a name ("<long>" a name of 300, "<longest>" the longest a folder takes, which leaves no room for a
 // temporary beside it), with the old file's bytes (null: none), the disk's room (-1: enough); what
 // the operation gives (the lines read, or "error N"), the file after, and the box Open shows.
-struct FileCase
-{
-    const char *name;
-    const char *operation;
-    const char *file;
-    const char *before;
-    int room;
-    const char *outcome;
-    const char *after;
-};
 
 const char *const kOld = "OLD 1\r\n\r\n";
 const char *const kOldSettings = "[Application]\r\nHide Intro=False\r\n";
 
-const FileCase kFileCases[] = {
-    {"read", "read", "p.nvc", "ADD 5\r\n\r\n  \r\nadd 6\r\n", -1, "ADD 5 |    | add 6",
+const char *const kFileCases[][7] = {
+    {"read", "read", "p.nvc", "ADD 5\r\n\r\n  \r\nadd 6\r\n", "-1", "ADD 5 |    | add 6",
      "ADD 5\r\n\r\n  \r\nadd 6\r\n"},
-    {"read a missing file", "read", "none.nvc", nullptr, -1, "error 53", "<no file>"},
-    {"read in a missing folder", "read", "nowhere/none.nvc", nullptr, -1, "error 76", "<no file>"},
-    {"read behind a file", "read", "p.nvc/none.nvc", nullptr, -1, "error 76", "<no file>"},
-    {"read a name too long", "read", "<long>", nullptr, -1, "error 64", "<no file>"},
-    {"read no name", "read", "", nullptr, -1, "error 64", "<no file>"},
-    {"read a folder", "read", "folder.nvc", nullptr, -1, "", "<no file>"},
-    {"write replaces a file", "write", "p.nvc", "OLD CONTENT THAT IS LONGER THAN THE NEW\r\n", -1, "",
+    {"read a missing file", "read", "none.nvc", nullptr, "-1", "error 53", "<no file>"},
+    {"read in a missing folder", "read", "nowhere/none.nvc", nullptr, "-1", "error 76", "<no file>"},
+    {"read behind a file", "read", "p.nvc/none.nvc", nullptr, "-1", "error 76", "<no file>"},
+    {"read a name too long", "read", "<long>", nullptr, "-1", "error 64", "<no file>"},
+    {"read no name", "read", "", nullptr, "-1", "error 64", "<no file>"},
+    {"read a folder", "read", "folder.nvc", nullptr, "-1", "", "<no file>"},
+    {"write replaces a file", "write", "p.nvc", "OLD CONTENT THAT IS LONGER THAN THE NEW\r\n", "-1", "",
      "ADD 5\r\nNET 12\r\n\r\n"},
-    {"write into a missing folder", "write", "nowhere/p.nvc", nullptr, -1, "error 76", "<no file>"},
-    {"write onto a folder", "write", "folder.nvc", nullptr, -1, "error 75", "<no file>"},
-    {"write without room for the temporary", "write", "<longest>", kOld, -1, "error 57", kOld},
-    {"write on a full disk", "write", "p.nvc", kOld, 0, "error 57", kOld},
-    {"write on a disk that fills up", "write", "p.nvc", kOld, 4, "error 57", kOld},
-    {"settings into a new folder", "settings", "config/deeper/v.INI", nullptr, -1, "",
+    {"write into a missing folder", "write", "nowhere/p.nvc", nullptr, "-1", "error 76", "<no file>"},
+    {"write onto a folder", "write", "folder.nvc", nullptr, "-1", "error 75", "<no file>"},
+    {"write without room for the temporary", "write", "<longest>", kOld, "-1", "error 57", kOld},
+    {"write on a full disk", "write", "p.nvc", kOld, "0", "error 57", kOld},
+    {"write on a disk that fills up", "write", "p.nvc", kOld, "4", "error 57", kOld},
+    {"settings into a new folder", "settings", "config/deeper/v.INI", nullptr, "-1", "",
      "[Application]\nHide Intro=True\n"},
-    {"settings onto a folder", "settings", "folder.nvc", nullptr, -1, "", "<no file>"},
-    {"settings without room for the temporary", "settings", "<longest>", kOldSettings, -1, "", kOldSettings},
-    {"settings on a full disk", "settings", "v.INI", kOldSettings, 0, "", kOldSettings},
+    {"settings onto a folder", "settings", "folder.nvc", nullptr, "-1", "", "<no file>"},
+    {"settings without room for the temporary", "settings", "<longest>", kOldSettings, "-1", "",
+     kOldSettings},
+    {"settings on a full disk", "settings", "v.INI", kOldSettings, "0", "", kOldSettings},
 };
 
 // Makes every write to a regular file beyond the limit fail, as a full disk would. Nothing may be
@@ -119,13 +102,13 @@ private slots:
     void texts_data() { addRows(kTexts); }
     void texts()
     {
-        const Text &t = fetchRow(kTexts);
-        const QString lines = QString::fromLatin1(t.lines);
-        if (t.way[2] == '>')
+        const auto &[name, way, text, bytes] = fetchRow(kTexts);
+        const QString lines = QString::fromLatin1(text);
+        if (way[2] == '>')
             QCOMPARE(programFileText(lines.isEmpty() ? QStringList() : lines.split(QStringLiteral(" | "))),
-                     QByteArray(t.text));
-        if (t.way[0] == '<')
-            QCOMPARE(programLinesFromText(t.text), lines.split(QStringLiteral(" | "), Qt::SkipEmptyParts));
+                     QByteArray(bytes));
+        if (way[0] == '<')
+            QCOMPARE(programLinesFromText(bytes), lines.split(QStringLiteral(" | "), Qt::SkipEmptyParts));
     }
 
     void dialogFilters()
@@ -157,21 +140,21 @@ private slots:
     void fileFailures_data() { addRows(kFileCases); }
     void fileFailures()
     {
-        const FileCase &c = fetchRow(kFileCases);
+        const auto &[row, operationName, file, before, room, expected, after] = fetchRow(kFileCases);
         QTemporaryDir dir;
         QVERIFY(QDir(dir.path()).mkpath(QStringLiteral("folder.nvc")) &&
-                writeBytes(dir.filePath(QStringLiteral("p.nvc")), c.before ? c.before : ""));
-        QString name = QString::fromLatin1(c.file);
+                writeBytes(dir.filePath(QStringLiteral("p.nvc")), before ? before : ""));
+        QString name = QString::fromLatin1(file);
         name = name == u"<long>"      ? QString(300, u'x')
                : name == u"<longest>" ? QString(251, u'v') + QStringLiteral(".nvc")
                                       : name;
         const QString path = name.isEmpty() ? QString() : dir.filePath(name);
-        if (c.before && name != u"p.nvc")
-            QVERIFY(writeBytes(path, c.before));
-        const QString operation = QLatin1String(c.operation);
+        if (before && name != u"p.nvc")
+            QVERIFY(writeBytes(path, before));
+        const QString operation = QLatin1String(operationName);
         QString result;
         {
-            const FileSizeLimit disk(c.room);
+            const FileSizeLimit disk(atoi(room));
             result = outcome([&] {
                 if (operation == u"read") {
                     const ProgramFileContents contents = readProgramFile(path);
@@ -186,8 +169,8 @@ private slots:
                 return QString();
             });
         }
-        QCOMPARE(result, QLatin1String(c.outcome));
-        QCOMPARE(QString::fromLatin1(readBytes(path)), QString::fromLatin1(c.after));
+        QCOMPARE(result, QLatin1String(expected));
+        QCOMPARE(QString::fromLatin1(readBytes(path)), QString::fromLatin1(after));
         // Nothing half-written is left beside the file.
         QStringList left = QDir(dir.path()).entryList(QDir::Files | QDir::Hidden);
         left.removeOne(QStringLiteral("p.nvc"));

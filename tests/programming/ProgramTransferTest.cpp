@@ -39,26 +39,12 @@ const Box kBoxes[] = {
      MsgIcon::Exclamation, MsgAnswer::Abort},
 };
 
-// A read or download from the screen's menu against a far end: the simulated modem (configured with
-// a few settings and routes, factory fresh, dead, or reached by a link to a remote unit) or scripted
-// answers ("trigger=>reply"). Before it the list and the mode word; after it the writes with their
-// times, the boxes, the list, "mode, busy pointer, selected line", and the modem's saved values,
-// working values ("now:"), routes, appends, factory defaults and resets.
-struct Transfer
-{
-    const char *name;
-    const char *farEnd;
-    const char *entry;
-    const char *list;
-    const char *mode;
-    const char *boxes;
-    const char *writes;
-    const char *after;
-    const char *state;
-    const char *modem = "";
-};
-
-const Transfer kTransfers[] = {
+// A read or download from the screen's menu (or ReadProgram itself) against a far end: the simulated
+// modem (configured with a few settings and routes, factory fresh, or dead) or scripted answers
+// ("trigger=>reply"). Before it the list and the mode word; after it the writes (with their times
+// when given), the boxes, the list, "mode, busy pointer, selected line", and the modem's saved
+// values, working values ("now:"), routes and factory defaults.
+const char *const kTransfers[][10] = {
     // The listing request goes out as soon as the first look finds the prompt; the routes come last.
     {"read: the listing, then the routes", "configured", "mnureadconn", "", "", "",
      "1000:<03> | 1100:he ch\\r | 1300:route\\r | 1500:append\\r",
@@ -76,9 +62,12 @@ const Transfer kTransfers[] = {
     {"read: left in remote mode", "configured", "mnureadconn", "", "RemoteRead", "",
      "1000:he ch\\r | 1200:route\\r | 1400:append\\r | 1600:reset\\r",
      "NETWORK 12 | SQUELCH 40 | ROUTE 1,5, | ROUTE 2,40,41, | APPEND 1,1,25,28,*", ", no, -1"},
-    {"remote read: the link ends, the local modem resets", "remote", "ReadProgram", "", "RemoteRead", "",
-     "he ch\\r | route\\r | append\\r | <03> | reset\\r", "ADDRESS 5 | SQUELCH 60 | ROUTE 1,7,", ", no, -1",
-     "resets=1 reset-by=1"},
+    {"remote read: the link ends, the local modem resets",
+     "he ch\r=>he ch\r\nADDRESS 5\r\nSQUELCH 60\r\nRPG: | route\r=>route\r\n1,7,\r\nRPG: | "
+     "append\r=>append\r\nRPG: | "
+     "\x03=>\r\nCMD:",
+     "ReadProgram", "", "RemoteRead", "", "he ch\\r | route\\r | append\\r | <03> | reset\\r",
+     "ADDRESS 5 | SQUELCH 60 | ROUTE 1,7,", ", no, -1"},
     // No Ctrl-C, no reset: the link is taken to be gone.
     {"remote read: no prompt, nothing more", "he ch\r=>he ch\r\nADDRESS 5\r\n", "ReadProgram", "",
      "RemoteRead", "lost", "0:he ch\\r", "", "RemoteRead, no, -1"},
@@ -113,11 +102,6 @@ const Transfer kTransfers[] = {
      "NET 12", ", no, 0"},
 };
 
-QStringList items(const char *list, Qt::SplitBehavior empty = Qt::SkipEmptyParts)
-{
-    return *list ? QString::fromLatin1(list).split(QStringLiteral(" | "), empty) : QStringList();
-}
-
 sim::Scenario scenario(const QString &farEnd)
 {
     sim::Scenario s = sim::Scenario::standard();
@@ -129,19 +113,6 @@ sim::Scenario scenario(const QString &farEnd)
                           {QStringLiteral("ECHO"), QStringLiteral("ON")}};
         local.routes = {QStringLiteral("1,5,"), QStringLiteral("2,40,41,")};
         local.appends = {QStringLiteral("1,1,25,28,*")};
-    }
-    if (farEnd == u"remote") {
-        sim::ModemProfile remote;
-        remote.name = QStringLiteral("remote");
-        remote.settings = {{QStringLiteral("ADDRESS"), QStringLiteral("5")},
-                           {QStringLiteral("SQUELCH"), QStringLiteral("60")}};
-        remote.routes = {QStringLiteral("1,7,")};
-        s.modems.append(remote);
-        sim::LinkProfile air;
-        air.from = 1;
-        air.to = 5;
-        air.microvolts = 40.0;
-        s.links.append(air);
     }
     return s;
 }
@@ -156,11 +127,8 @@ QString modemAfter(sim::SimulatedModemLink &link, const char *expected)
         QString value = name.startsWith(u"now:") ? link.local().value(key) : link.local().savedValue(key);
         if (name == u"routes")
             value = link.local().routes().join(u';');
-        else if (name == u"defaults" || name == u"resets")
-            value = QString::number(
-                (name == u"defaults" ? link.truth().factoryDefaults : link.truth().resets).size());
-        else if (name == u"reset-by")
-            value = QString::number(link.truth().resets.constLast().second);
+        else if (name == u"defaults")
+            value = QString::number(link.truth().factoryDefaults.size());
         seen << name + u'=' + value;
     }
     return seen.join(u' ');
@@ -180,10 +148,6 @@ struct Bench
             simPrompts.emplace(&link->time());
             simSession.emplace(link->port(), link->time(), *simPrompts);
             link->time().advance(1000); // the modem has settled after power-up
-            // The link as the remote programming form opens it.
-            if (farEnd == u"remote" &&
-                (link->port().Output("Prog 5\r"), !session().WaitForReply("RPG:", 3000)))
-                QFAIL("no link to the remote unit");
             link->port().Input();
             link->port().clearEvents();
             return;
@@ -207,15 +171,16 @@ private slots:
     void transfers_data() { addRows(kTransfers); }
     void transfers()
     {
-        const Transfer &t = fetchRow(kTransfers);
-        Bench bench(QLatin1String(t.farEnd));
+        const auto &[name, farEnd, entry, list, mode, boxes, writesExpected, after, state, modem] =
+            fetchRow(kTransfers);
+        Bench bench{QLatin1String(farEnd)};
         ModemSession &session = bench.session();
         ScriptedPrompts &prompts = bench.prompts();
         ProgrammingMenu menu(session);
-        for (const QString &line : items(t.list, Qt::KeepEmptyParts))
+        for (const QString &line : items(list, Qt::KeepEmptyParts))
             menu.AddCommand(line);
-        session.ProgMode = QLatin1String(t.mode);
-        for (const QString &key : items(t.boxes)) {
+        session.ProgMode = QLatin1String(mode);
+        for (const QString &key : items(boxes)) {
             const Box &b = *std::find_if(std::begin(kBoxes), std::end(kBoxes),
                                          [&](const Box &x) { return key == QLatin1String(x.key); });
             prompts.expectMsgBox(QLatin1String(b.text), b.answer).withIcon(b.icon).then([&, key] {
@@ -226,27 +191,27 @@ private slots:
             });
         }
         QStringList read;
-        if (QByteArray(t.entry) == "ReadProgram")
+        if (QByteArray(entry) == "ReadProgram")
             ReadProgram(session, read);
         else
-            menu.findChild<QAction *>(QLatin1String(t.entry))->trigger();
+            menu.findChild<QAction *>(QLatin1String(entry))->trigger();
         QVERIFY(prompts.verify());
         QStringList writes;
         for (const WireEvent &e : bench.port().events())
             if (e.kind == WireEvent::Kind::Write)
                 writes << QStringLiteral("%1:%2").arg(e.atMs).arg(SessionRig::shown(e.bytes));
         // Writes given without times are compared without them.
-        if (!QByteArray(t.writes).contains(':'))
+        if (!QByteArray(writesExpected).contains(':'))
             writes.replaceInStrings(QRegularExpression(QStringLiteral("^\\d+:")), QString());
-        QCOMPARE(writes, items(t.writes));
-        QCOMPARE(menu.cmboedit().lines() + read, items(t.after, Qt::KeepEmptyParts));
+        QCOMPARE(writes, items(writesExpected));
+        QCOMPARE(menu.cmboedit().lines() + read, items(after, Qt::KeepEmptyParts));
         QCOMPARE(QStringLiteral("%1, %2, %3")
                      .arg(session.ProgMode, prompts.busy() ? QStringLiteral("yes") : QStringLiteral("no"))
                      .arg(menu.cmboedit().listIndex()),
-                 QLatin1String(t.state));
+                 QLatin1String(state));
         if (bench.link) {
             bench.link->time().advance(1000);
-            QCOMPARE(modemAfter(*bench.link, t.modem), QLatin1String(t.modem));
+            QCOMPARE(modemAfter(*bench.link, modem), QLatin1String(modem));
         }
         while (QApplication::overrideCursor())
             QApplication::restoreOverrideCursor();

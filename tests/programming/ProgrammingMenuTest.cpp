@@ -31,20 +31,9 @@ const char *const kBoxes[][2] = {
 // What the user does on the screen ("type:text", "select:row", "click:row", "close", or a control's
 // name), the boxes and dialogs in turn ("box=Answer", "file:name", "file:" for cancel) with the list
 // before and after, the file p.nvc after, and "selected line, edit field, port owner, returns".
-struct Step
-{
-    const char *name;
-    const char *list;
-    const char *actions;
-    const char *prompts;
-    const char *after;
-    const char *file;
-    const char *state;
-};
-
 const char *const kNone = "<no file>";
 
-const Step kSteps[] = {
+const char *const kSteps[][7] = {
     {"add typed commands as they stand", "",
      "type:add 5 | cmdokVNL | type:   | cmdokVNL | type:add 5 | cmdokVNL", "", "add 5 |    | add 5", kNone,
      "-1, '', program, 0"},
@@ -96,10 +85,6 @@ const Step kSteps[] = {
      "-1, '', program, 0"},
 };
 
-QStringList items(const char *list)
-{
-    return *list ? QString::fromLatin1(list).split(QStringLiteral(" | ")) : QStringList();
-}
 } // namespace
 
 class ProgrammingMenuTest : public QObject
@@ -121,7 +106,7 @@ private slots:
     void steps_data() { addRows(kSteps); }
     void steps()
     {
-        const Step &s = fetchRow(kSteps);
+        const auto &[name, before, actions, prompts, after, file, state] = fetchRow(kSteps);
         QTemporaryDir dir;
         QVERIFY(
             writeBytes(dir.filePath(QStringLiteral("in.nvc")), "\r\nADD 5\r\n\r\n  \r\nroute 1,2\r\n\r\n"));
@@ -132,34 +117,30 @@ private slots:
         menu.show();
         QSignalSpy returned(&menu, &ProgrammingMenu::returnedToMainMenu);
         CommandListBox &list = menu.cmboedit();
-        for (const QString &line : items(s.list))
+        for (const QString &line : items(before))
             menu.AddCommand(line);
-        for (const QString &prompt : items(s.prompts)) {
+        for (const QString &prompt : items(prompts)) {
             const QString key = prompt.section(u'=', 0, 0);
             const MsgAnswer answer = prompt.endsWith(u"=Yes")  ? MsgAnswer::Yes
                                      : prompt.endsWith(u"=No") ? MsgAnswer::No
                                                                : MsgAnswer::Ok;
             if (prompt.startsWith(u"file:")) {
-                const QString name = prompt.mid(5) == u"<long>" ? QString(300, u'x') : prompt.mid(5);
+                const QString chosen = prompt.mid(5) == u"<long>" ? QString(300, u'x') : prompt.mid(5);
                 rig.prompts
-                    .expectFileDialog(name.isEmpty()
+                    .expectFileDialog(chosen.isEmpty()
                                           ? std::nullopt
-                                          : std::optional(name == u" " ? name : dir.filePath(name)))
+                                          : std::optional(chosen == u" " ? chosen : dir.filePath(chosen)))
                     .then([&] {
                         // Open presets a name of one blank and shows busy; Save asks before it overwrites.
                         const FileDialogRequest &r = rig.prompts.lastFileDialog();
-                        if (r.kind == FileDialogRequest::Kind::Open)
-                            QCOMPARE(QStringList({r.fileName, r.filter,
-                                                  rig.prompts.busy() ? QStringLiteral("busy") : QString()}),
-                                     QStringList(
-                                         {QStringLiteral(" "),
-                                          QStringLiteral("Varnel Commands (*.nvc);;Text (*.txt);;All (*.*)"),
-                                          QStringLiteral("busy")}));
-                        else
-                            QCOMPARE(QStringList({r.filter, r.overwritePrompt ? QStringLiteral("overwrite")
-                                                                              : QString()}),
-                                     QStringList({QStringLiteral("VNL Files (*.nvc);;All files (*.*)"),
-                                                  QStringLiteral("overwrite")}));
+                        const bool open = r.kind == FileDialogRequest::Kind::Open;
+                        QCOMPARE(
+                            open ? u'\'' + r.fileName + QStringLiteral("' ") + r.filter +
+                                       (rig.prompts.busy() ? QStringLiteral(", busy") : QString())
+                                 : r.filter + (r.overwritePrompt ? QStringLiteral(", overwrite") : QString()),
+                            open
+                                ? QStringLiteral("' ' Varnel Commands (*.nvc);;Text (*.txt);;All (*.*), busy")
+                                : QStringLiteral("VNL Files (*.nvc);;All files (*.*), overwrite"));
                     });
                 continue;
             }
@@ -174,7 +155,7 @@ private slots:
                                                   : MsgIcon::None)
                 .withButtons(key.endsWith(u'?') ? MsgButtons::YesNo : MsgButtons::OkOnly);
         }
-        for (const QString &action : items(s.actions)) {
+        for (const QString &action : items(actions)) {
             const QString what = action.section(u':', 1);
             if (action.startsWith(u"type:")) {
                 list.editField()->setText(what);
@@ -193,15 +174,14 @@ private slots:
             }
         }
         QVERIFY(rig.prompts.verify());
-        QCOMPARE(list.lines(), items(s.after));
-        QCOMPARE(QString::fromLatin1(readBytes(dir.filePath(QStringLiteral("p.nvc")))),
-                 QLatin1String(s.file));
+        QCOMPARE(list.lines(), items(after));
+        QCOMPARE(QString::fromLatin1(readBytes(dir.filePath(QStringLiteral("p.nvc")))), QLatin1String(file));
         QCOMPARE(QStringLiteral("%1, '%2', %3, %4")
                      .arg(list.listIndex())
                      .arg(list.text(),
                           rig.port.AutoProcess() ? QStringLiteral("terminal") : QStringLiteral("program"))
                      .arg(returned.count()),
-                 QLatin1String(s.state));
+                 QLatin1String(state));
         // Nothing went to the modem, no other window opened, and the pointer is back.
         QCOMPARE(rig.port.written(), QByteArray());
         for (QWidget *w : QApplication::topLevelWidgets())

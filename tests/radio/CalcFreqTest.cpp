@@ -75,15 +75,7 @@ QString latches(double a1, double n1, double n2)
 
 // Scheme choice ("option serial"), bands ("model option"), shifts and bit reversal ("value count",
 // hexadecimal, then the value as the routine leaves it).
-struct Rule
-{
-    const char *name;
-    const char *rule;
-    const char *argument;
-    const char *result;
-};
-
-const Rule kRules[] = {
+const char *const kRules[][4] = {
     {"new synthesizer, old case", "scheme", "2 5000", "C"},
     {"new synthesizer among other bits", "scheme", "70 15000", "C"},
     {"old case", "scheme", "0 11999", "A"},
@@ -134,22 +126,14 @@ QString apply(const QString &rule, const QString &a, const QString &b)
     });
 }
 
-struct Readback
-{
-    const char *name;
-    const char *model;
-    int option;
-    int serial;
-    const char *frequency;
-};
-
-const Readback kReadbacks[] = {
-    {"old case Q4Y", "Q4Y", 0, 5000, "150.0125"},
-    {"old case Q4U", "Q4U", 0, 9000, "463.2125"},
-    {"new case Q4U", "Q4U", 0, 14210, "463.2125"},
-    {"new case Q4Y, 5 kHz", "Q4Y", kBit5, 14210, "150.015"},
-    {"SA8026 Q4Y, fractional n1", "Q4Y", 2, 14210, "150.0125"},
-    {"SA8026 Q4U, fractional n1", "Q4U", 2, 14210, "463.2125"},
+// Units of each kind: model, option, serial number, and a frequency set on them.
+const char *const kReadbacks[][5] = {
+    {"old case Q4Y", "Q4Y", "0", "5000", "150.0125"},
+    {"old case Q4U", "Q4U", "0", "9000", "463.2125"},
+    {"new case Q4U", "Q4U", "0", "14210", "463.2125"},
+    {"new case Q4Y, 5 kHz", "Q4Y", "32", "14210", "150.015"},
+    {"SA8026 Q4Y, fractional n1", "Q4Y", "2", "14210", "150.0125"},
+    {"SA8026 Q4U, fractional n1", "Q4U", "2", "14210", "463.2125"},
 };
 } // namespace
 
@@ -253,26 +237,27 @@ private slots:
     void rules_data() { addRows(kRules); }
     void rules()
     {
-        const Rule &r = fetchRow(kRules);
-        const QStringList a = QString::fromLatin1(r.argument).split(u' ');
-        QCOMPARE(apply(QLatin1String(r.rule), a[0], a[1]), QLatin1String(r.result));
+        const auto &[name, rule, argument, result] = fetchRow(kRules);
+        const QStringList a = QString::fromLatin1(argument).split(u' ');
+        QCOMPARE(apply(QLatin1String(rule), a[0], a[1]), QLatin1String(result));
     }
 
     void latchesSentToTheModemReadBackAsTheFrequency_data() { addRows(kReadbacks); }
     void latchesSentToTheModemReadBackAsTheFrequency()
     {
-        const Readback &r = fetchRow(kReadbacks);
+        const auto &[name, model, optionText, serialText, frequency] = fetchRow(kReadbacks);
+        const int option = atoi(optionText), serial = atoi(serialText);
         sim::Scenario scenario = sim::Scenario::standard();
-        scenario.modems[0].model = QLatin1String(r.model);
-        scenario.modems[0].option = r.option;
-        scenario.modems[0].serial = r.serial;
+        scenario.modems[0].model = QLatin1String(model);
+        scenario.modems[0].option = option;
+        scenario.modems[0].serial = serial;
         sim::SimulatedModemLink link(scenario);
         ScriptedPrompts prompts(&link.time());
         ModemSession session(link.port(), link.time(), prompts);
 
-        const LatchScheme scheme = chooseLatchScheme(r.option, r.serial);
+        const LatchScheme scheme = chooseLatchScheme(option, serial);
         double a1 = 0, n1 = 0, n2 = 0;
-        freqToLatches(scheme, QLatin1String(r.model), QLatin1String(r.frequency), r.option, a1, n1, n2);
+        freqToLatches(scheme, QLatin1String(model), QLatin1String(frequency), option, a1, n1, n2);
         session.sendCommand(QStringLiteral("Sel/N1 %1:Sel/A1 %2:Sel/N2 %3:Lat")
                                 .arg(numberText(n1), numberText(a1), numberText(n2))
                                 .toLatin1());
@@ -282,8 +267,8 @@ private slots:
         ReadLatches(session, readA1, readN1, readN2, squelch);
         QVERIFY(prompts.verify());
         QCOMPARE(latches(readA1, readN1, readN2), latches(a1, std::trunc(n1), n2));
-        const double back = latchesToFreq(scheme, QLatin1String(r.model), readA1, readN1, readN2, r.option);
-        QCOMPARE(QString::number(back, 'f', 4), QString::number(QByteArray(r.frequency).toDouble(), 'f', 4));
+        const double back = latchesToFreq(scheme, QLatin1String(model), readA1, readN1, readN2, option);
+        QCOMPARE(QString::number(back, 'f', 4), QString::number(QByteArray(frequency).toDouble(), 'f', 4));
     }
 };
 

@@ -5,18 +5,33 @@
 #include <QFile>
 #include <QTest>
 
-// Tables of cases as arrays of plain structs, one row a case and every row named by its first
-// member: the _data() function adds the rows, the test function fetches the one that runs.
+// Tables of cases as arrays of plain structs or of texts, one row a case and every row named by its
+// first member: the _data() function adds the rows, the test function fetches the one that runs.
+inline const char *rowName(const char *const *row)
+{
+    return row[0];
+}
+template <typename Row> const char *rowName(const Row &row)
+{
+    return row.name;
+}
+
 template <typename Row, size_t N> void addRows(const Row (&rows)[N])
 {
     QTest::addColumn<int>("row");
     for (size_t i = 0; i < N; ++i)
-        QTest::newRow(rows[i].name) << int(i);
+        QTest::newRow(rowName(rows[i])) << int(i);
 }
 
 template <typename Row, size_t N> const Row &fetchRow(const Row (&rows)[N])
 {
     return rows[*static_cast<const int *>(QTest::qData("row", qMetaTypeId<int>()))];
+}
+
+// A list in a cell of a table, its items separated by " | ".
+inline QStringList items(const char *list, Qt::SplitBehavior empty = Qt::SkipEmptyParts)
+{
+    return list && *list ? QString::fromLatin1(list).split(QStringLiteral(" | "), empty) : QStringList();
 }
 
 // What a statement gives as text, or "error N" with the number of the AppError it throws, so that

@@ -21,6 +21,7 @@ const char *const kOrders[][3] = {
     {"prefix first", "ttyS0 ttyS", "ttyS ttyS0"},
     {"a number before a letter", "ttySa ttyS1", "ttyS1 ttySa"},
     {"equal numbers, then the shorter", "ttyS009x ttyS9", "ttyS9 ttyS009x"},
+    {"leading zeros count for nothing", "ttyS010 ttyS9", "ttyS9 ttyS010"},
     {"leading zeros tie broken plainly", "ttyS1 ttyS01", "ttyS01 ttyS1"},
     {"later run decides", "a1b10 a1b9", "a1b9 a1b10"},
 };

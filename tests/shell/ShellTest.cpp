@@ -140,9 +140,8 @@ private slots:
         s.prompts.expectMsgBox(QStringLiteral("This will end your application"), MsgAnswer::Cancel)
             .withTitle(QStringLiteral("Port Setup"))
             .withButtons(MsgButtons::OkCancel)
-            .then([] {
-                whenModal([](QWidget *w) { click(w, "cmdCancel"); });
-            }); // back in the dialog, cancel again
+            // Cancel leads back to the dialog: cancel it again, and end this time.
+            .then([] { whenModal([](QWidget *w) { click(w, "cmdCancel"); }); });
         s.prompts.expectMsgBox(QStringLiteral("This will end your application"), MsgAnswer::Ok);
         whenModal([](QWidget *w) { click(w, "cmdCancel"); });
         s.menu.Load();

@@ -22,7 +22,7 @@ if [[ "${VARNEL_SIMULATED:-}" == 1 || ! -f "$config/varnel-utility.INI" ]]; then
     printf '[Port Map]\nCOM1=%s\n\n[Port_Phone]\nComm Port=1\nSettings=9600,n,8,1\nDTREnable=True\nRTSEnable=True\nHandshaking=0\n' \
       "$link" > "$demo/varnel-utility.INI"
   fi
-  XDG_CONFIG_HOME="$demo" build/bin/varnel-utility
+  build/bin/varnel-utility --settings "$demo/varnel-utility.INI"
 else
   build/bin/varnel-utility
 fi

@@ -5,6 +5,7 @@ packages=(
   g++ cmake ninja-build pkg-config clang-format
   qt6-base-dev qt6-serialport-dev libvterm-dev
   xvfb xauth socat fonts-dejavu-core poppler-utils
+  dpkg-dev desktop-file-utils appstream man-db
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
-# Installs what is needed, builds everything with AddressSanitizer and UndefinedBehaviorSanitizer,
-# checks the formatting and runs every test.
+# Installs what is needed, checks the formatting, builds the Debian package and checks it, then
+# builds everything with AddressSanitizer and UndefinedBehaviorSanitizer and runs every test.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 scripts/check-format.sh
+scripts/package.sh
+scripts/check-package.sh
 cmake -S . -B build-tests -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVARNEL_SANITIZE=ON
 cmake --build build-tests
 export QT_QPA_PLATFORM=offscreen

@@ -1,5 +1,6 @@
 #include "IniFile.h"
 
+#include "TextRules.h"
 #include "WholeFile.h"
 
 #include <QCoreApplication>
@@ -246,17 +247,6 @@ void saveDocument(const QString &path, const IniDocument &document)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
     writeWholeFile(path, encodeDocument(document));
-}
-
-QString trimBlanks(const QString &text)
-{
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && text.at(begin) == u' ')
-        ++begin;
-    while (end > begin && text.at(end - 1) == u' ')
-        --end;
-    return text.mid(begin, end - begin);
 }
 
 } // namespace

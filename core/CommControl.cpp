@@ -57,6 +57,7 @@ void CommControl::setPortOpen(bool open)
     }
     if (open) {
         openDevice();
+        m_openDevice = deviceFor(m_commPort);
         m_open = true;
         applyLineSettings(m_line);
         applyHandshaking(m_handshaking);
@@ -156,6 +157,8 @@ void CommControl::deliver(const QByteArray &bytes)
         return;
     }
     m_inBuffer.append(bytes);
+    if (m_inBuffer.size() > kInBufferLimit)
+        m_inBuffer.remove(0, m_inBuffer.size() - kInBufferLimit);
     if (m_rThreshold >= 1)
         emit received();
 }
@@ -168,5 +171,5 @@ void CommControl::dropLine()
     m_open = false;
     m_inBuffer.clear();
     emit portOpenChanged(false);
-    emit lineLost();
+    emit lineLost(m_openDevice);
 }

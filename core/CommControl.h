@@ -34,6 +34,10 @@ class CommControl : public QObject
 public:
     static constexpr int kAutoProcessProgram = 0;
     static constexpr int kAutoProcessTerminal = 3;
+    // What the control keeps for the program at AutoProcess 0. A modem never sends more than a few
+    // kilobytes between two prompts, so anything beyond this came while no dialogue was reading:
+    // the oldest bytes go, and the newest, where a prompt stands, stay.
+    static constexpr int kInBufferLimit = 64 * 1024;
 
     explicit CommControl(QObject *parent = nullptr);
     ~CommControl() override;
@@ -89,8 +93,9 @@ signals:
     void screenText(const QByteArray &bytes);
     // The receive event: raised for each arrival while RThreshold is 1 or more and the program owns the port.
     void received();
-    // The far side went away and the port was closed.
-    void lineLost();
+    // The far side went away and the port was closed; device names what the port had open. The port
+    // stays closed until the program opens it again.
+    void lineLost(const QString &device);
     void portOpenChanged(bool open);
 
 protected:
@@ -125,4 +130,5 @@ private:
     int m_handshaking = 0;
     int m_interval = 55;
     QString m_tag = QStringLiteral("Phone");
+    QString m_openDevice;
 };

@@ -2,8 +2,9 @@
 
 #include "AppError.h"
 
-#include <QFileInfo>
+#include <QFile>
 #include <grp.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,16 +20,18 @@ constexpr auto kGather = 200ms;
 // second) but a pseudo-terminal or a network bridge: it is read as fast as it delivers.
 constexpr qint64 kSerialLineBytesPerSecond = 4 * 115200 / 10;
 
-QString groupOf(const QString &device)
+QString kindWords(DeviceFacts::Kind kind)
 {
-    struct stat st
-    {
-    };
-    if (::stat(QFile::encodeName(device).constData(), &st) != 0)
-        return {};
-    if (const group *g = ::getgrgid(st.st_gid))
-        return QString::fromLocal8Bit(g->gr_name);
-    return QString::number(st.st_gid);
+    switch (kind) {
+    case DeviceFacts::Kind::RegularFile:
+        return QStringLiteral("a regular file");
+    case DeviceFacts::Kind::Directory:
+        return QStringLiteral("a directory");
+    case DeviceFacts::Kind::Fifo:
+        return QStringLiteral("a FIFO");
+    default:
+        return QStringLiteral("a special file");
+    }
 }
 
 QSerialPort::Parity parityOf(char parity)
@@ -69,8 +72,36 @@ QString SerialCommControl::deviceFor(int port) const
     return m_resolver ? m_resolver(port) : QString();
 }
 
-AppError SerialCommControl::openFailure(const QString &device, int port, QSerialPort::SerialPortError error)
+DeviceFacts deviceFacts(const QString &device)
 {
+    DeviceFacts facts;
+    struct stat st
+    {
+    };
+    const QByteArray path = QFile::encodeName(device);
+    if (device.isEmpty() || ::stat(path.constData(), &st) != 0)
+        return facts;
+    using Kind = DeviceFacts::Kind;
+    facts.kind = S_ISCHR(st.st_mode)    ? Kind::Device
+                 : S_ISREG(st.st_mode)  ? Kind::RegularFile
+                 : S_ISDIR(st.st_mode)  ? Kind::Directory
+                 : S_ISFIFO(st.st_mode) ? Kind::Fifo
+                                        : Kind::Other;
+    facts.accessible = ::access(path.constData(), R_OK | W_OK) == 0;
+    // Joining the group that owns the device helps only when the group may use it, and nobody is
+    // told to join the superuser's group.
+    facts.groupMayUse = (st.st_mode & (S_IRGRP | S_IWGRP)) == (S_IRGRP | S_IWGRP) && st.st_gid != 0;
+    const passwd *user = ::getpwuid(st.st_uid);
+    facts.owner = user ? QString::fromLocal8Bit(user->pw_name) : QString::number(st.st_uid);
+    const group *g = ::getgrgid(st.st_gid);
+    facts.group = g ? QString::fromLocal8Bit(g->gr_name) : QString::number(st.st_gid);
+    return facts;
+}
+
+AppError deviceFailure(const QString &device, int port, QSerialPort::SerialPortError error,
+                       const DeviceFacts &facts)
+{
+    using Kind = DeviceFacts::Kind;
     const QString com = QStringLiteral("COM%1").arg(port);
     if (device.isEmpty())
         return {
@@ -78,31 +109,45 @@ AppError SerialCommControl::openFailure(const QString &device, int port, QSerial
             QStringLiteral("%1 reaches no serial device on this computer. Plug in the cable or adapter, or "
                            "name the device for %1 in the [Port Map] section of the settings file.")
                 .arg(com)};
-    if (error == QSerialPort::DeviceNotFoundError || !QFileInfo::exists(device))
+    if (facts.kind != Kind::Device && facts.kind != Kind::Missing)
+        return {AppErrors::NoSuchDevice,
+                QStringLiteral("%1 (%2) is %3, not a serial device. Name the device of the cable or adapter "
+                               "for %2 in the [Port Map] section of the settings file.")
+                    .arg(device, com, kindWords(facts.kind))};
+    if (error == QSerialPort::DeviceNotFoundError || facts.kind == Kind::Missing)
         return {AppErrors::NoSuchDevice,
                 QStringLiteral("No such device: %1 (%2). Check that the cable or adapter is plugged in.")
                     .arg(device, com)};
-    if (error == QSerialPort::PermissionError) {
-        if (::access(QFile::encodeName(device).constData(), R_OK | W_OK) != 0) {
-            const QString group = groupOf(device);
+    if (error == QSerialPort::PermissionError && !facts.accessible) {
+        if (facts.groupMayUse)
             return {AppErrors::DeviceAccessDenied,
                     QStringLiteral(
                         "Permission denied on %1 (%2). Your user must be in the group \"%3\" that owns the "
                         "device: run \"sudo usermod -aG %3 $USER\", then log out and in again.")
-                        .arg(device, com, group)};
-        }
+                        .arg(device, com, facts.group)};
+        return {AppErrors::DeviceAccessDenied,
+                QStringLiteral("Permission denied on %1 (%2). Only its owner \"%3\" may use it, so no group "
+                               "helps: ask the administrator to let you read and write the device.")
+                    .arg(device, com, facts.owner)};
+    }
+    if (error == QSerialPort::PermissionError)
         return {AppErrors::DeviceBusy,
                 QStringLiteral("Device busy: %1 (%2) is in use by another program. Close it and try again.")
                     .arg(device, com)};
-    }
     return {AppErrors::DeviceUnavailable, QStringLiteral("%1 (%2) cannot be opened.").arg(device, com)};
+}
+
+AppError SerialCommControl::openFailure(const QString &device, int port, QSerialPort::SerialPortError error)
+{
+    return deviceFailure(device, port, error, deviceFacts(device));
 }
 
 void SerialCommControl::openDevice()
 {
     const QString device = deviceFor(CommPort());
-    if (device.isEmpty())
-        throw openFailure(device, CommPort(), QSerialPort::DeviceNotFoundError);
+    // A file, a folder or a pipe is refused before the serial port tries to make a line of it.
+    if (const DeviceFacts facts = deviceFacts(device); facts.kind != DeviceFacts::Kind::Device)
+        throw deviceFailure(device, CommPort(), QSerialPort::DeviceNotFoundError, facts);
     m_serial.setPortName(device);
     if (!m_serial.open(QIODevice::ReadWrite))
         throw openFailure(device, CommPort(), m_serial.error());

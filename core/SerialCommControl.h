@@ -8,6 +8,25 @@
 #include <QTimer>
 #include <functional>
 
+// What the program can find out about a device path that it cannot use.
+struct DeviceFacts
+{
+    // Device: a character device, which the serial port tries as a line.
+    enum class Kind { Missing, Device, RegularFile, Directory, Fifo, Other };
+    Kind kind = Kind::Missing;
+    bool accessible = false;  // the user may read and write it
+    bool groupMayUse = false; // its group may read and write it
+    QString owner;
+    QString group;
+};
+
+DeviceFacts deviceFacts(const QString &device);
+
+// The words a user can act on when a device cannot be opened, from the serial port's error and the
+// facts about the device.
+AppError deviceFailure(const QString &device, int port, QSerialPort::SerialPortError error,
+                       const DeviceFacts &facts);
+
 // Comm1 over a real serial device. A port number finds its device through a resolver (the port
 // map of the settings file, then the system's serial devices in a stable order).
 //

@@ -8,6 +8,8 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QSignalSpy>
+#include <QTemporaryDir>
+#include <sys/stat.h>
 
 namespace {
 // Makes the program's reads of the device fail as a device does whose driver went away: the
@@ -29,6 +31,53 @@ QString openFailure(SerialCommControl &comm)
 {
     return outcome([&] { return comm.setPortOpen(true), QString(); });
 }
+
+// Devices the port cannot open: what the program finds (kind, may the user and may its group read and
+// write it, owner, group) and the serial port's error; the words the user reads, "%1" the device and
+// its port, "%2" what to do with a path that is no device.
+struct Failure
+{
+    const char *name;
+    DeviceFacts facts;
+    QSerialPort::SerialPortError error;
+    const char *text;
+};
+using Kind = DeviceFacts::Kind;
+const Failure kFailures[] = {
+    {"a regular file",
+     {Kind::RegularFile, true, true, {}, {}},
+     QSerialPort::OpenError,
+     "%1 is a regular file, %2"},
+    {"a directory",
+     {Kind::Directory, true, true, {}, {}},
+     QSerialPort::DeviceNotFoundError,
+     "%1 is a directory, %2"},
+    {"a FIFO", {Kind::Fifo, false, false, {}, {}}, QSerialPort::PermissionError, "%1 is a FIFO, %2"},
+    {"a socket", {Kind::Other, true, true, {}, {}}, QSerialPort::OpenError, "%1 is a special file, %2"},
+    {"gone",
+     {Kind::Missing, false, false, {}, {}},
+     QSerialPort::PermissionError,
+     "No such device: %1. Check that the cable or adapter is plugged in."},
+    {"gone while opening",
+     {Kind::Device, true, true, {}, {}},
+     QSerialPort::DeviceNotFoundError,
+     "No such device: %1. Check that the cable or adapter is plugged in."},
+    {"the group helps",
+     {Kind::Device, false, true, QStringLiteral("root"), QStringLiteral("dialout")},
+     QSerialPort::PermissionError,
+     "Permission denied on %1. Your user must be in the group \"dialout\" that owns the device: run \"sudo "
+     "usermod -aG dialout $USER\", then log out and in again."},
+    {"only the owner may",
+     {Kind::Device, false, false, QStringLiteral("root"), QStringLiteral("root")},
+     QSerialPort::PermissionError,
+     "Permission denied on %1. Only its owner \"root\" may use it, so no group helps: ask the administrator "
+     "to let you read and write the device."},
+    {"in use",
+     {Kind::Device, true, false, {}, {}},
+     QSerialPort::PermissionError,
+     "Device busy: %1 is in use by another program. Close it and try again."},
+    {"other failure", {Kind::Device, true, true, {}, {}}, QSerialPort::OpenError, "%1 cannot be opened."},
+};
 } // namespace
 
 // The real serial control over pseudo-terminals: what the program meets with a real device.
@@ -70,6 +119,7 @@ private slots:
         comm.setAutoProcess(0);
         QSignalSpy lost(&comm, &CommControl::lineLost);
         QSignalSpy open(&comm, &CommControl::portOpenChanged);
+        const QString device = pty.slavePath();
         if (hangUp) {
             pty.close();
         } else {
@@ -78,8 +128,20 @@ private slots:
         // A device that failed keeps failing while it is open: it is closed at once, and told once.
         QTRY_VERIFY(!comm.PortOpen());
         QCOMPARE(lost.count(), 1);
+        QCOMPARE(lost.at(0).at(0).toString(), device);
         QCOMPARE(open.count(), 1);
         QCOMPARE(outcome([&] { return comm.Output("x"), QString(); }), QStringLiteral("error 8018"));
+    }
+
+    void failuresSayWhatToDo_data() { addRows(kFailures); }
+    void failuresSayWhatToDo()
+    {
+        const Failure &f = fetchRow(kFailures);
+        QCOMPARE(deviceFailure(QStringLiteral("/dev/x"), 2, f.error, f.facts).description,
+                 QString::fromUtf8(f.text).arg(QStringLiteral("/dev/x (COM2)"),
+                                               QStringLiteral("not a serial device. Name the device of the "
+                                                              "cable or adapter for COM2 in the [Port Map] "
+                                                              "section of the settings file.")));
     }
 
     void openFailuresSayWhatToDo()
@@ -91,26 +153,31 @@ private slots:
                  QStringLiteral(
                      "COM7 reaches no serial device on this computer. Plug in the cable or adapter, or name "
                      "the device for COM7 in the [Port Map] section of the settings file."));
-        SerialCommControl gone([](int) { return QStringLiteral("/dev/ttyVARNEL-NONE"); });
-        QCOMPARE(openFailure(gone), QStringLiteral("error 8002"));
-        QCOMPARE(SerialCommControl::openFailure(QStringLiteral("/dev/ttyVARNEL-NONE"), 1,
-                                                QSerialPort::PermissionError)
-                     .description,
-                 QStringLiteral("No such device: /dev/ttyVARNEL-NONE (COM1). Check that the cable or adapter "
-                                "is plugged in."));
-        QVERIFY(!gone.PortOpen());
+        QTemporaryDir dir;
+        const QString fifo = dir.filePath(QStringLiteral("fifo")),
+                      shared = dir.filePath(QStringLiteral("shared"));
+        QVERIFY(::mkfifo(QFile::encodeName(fifo).constData(), 0600) == 0);
+        // Neither a missing device nor a pipe comes as far as the serial port.
+        for (const QString &path : {dir.filePath(QStringLiteral("none")), fifo}) {
+            SerialCommControl comm([&](int) { return path; });
+            QCOMPARE(openFailure(comm), QStringLiteral("error 8002"));
+        }
+        QCOMPARE(deviceFacts(dir.path()).kind, Kind::Directory);
+        QCOMPARE(deviceFacts(QStringLiteral("/dev/null")).kind, Kind::Device);
+        // Only a group that may read and write the device helps its members; the superuser's never does.
+        QVERIFY(writeBytes(shared, {}) && ::chmod(QFile::encodeName(shared).constData(), 0660) == 0 &&
+                ::chown(QFile::encodeName(shared).constData(), 0, 20) == 0);
+        const DeviceFacts facts = deviceFacts(shared);
+        QCOMPARE(facts.owner + u':' + facts.group, QStringLiteral("root:dialout"));
+        QVERIFY(facts.groupMayUse && !deviceFacts(QStringLiteral("/dev/null")).groupMayUse);
+        QVERIFY(::chmod(QFile::encodeName(shared).constData(), 0640) == 0 &&
+                !deviceFacts(shared).groupMayUse);
 
         PseudoTerminal pty;
         SerialCommControl first([&](int) { return pty.slavePath(); });
         SerialCommControl second([&](int) { return pty.slavePath(); });
         first.setPortOpen(true);
         QCOMPARE(openFailure(second), QStringLiteral("error 8010"));
-        QCOMPARE(
-            SerialCommControl::openFailure(pty.slavePath(), 2, QSerialPort::PermissionError).description,
-            QStringLiteral("Device busy: %1 (COM2) is in use by another program. Close it and try again.")
-                .arg(pty.slavePath()));
-        QCOMPARE(SerialCommControl::openFailure(pty.slavePath(), 3, QSerialPort::OpenError).description,
-                 QStringLiteral("%1 (COM3) cannot be opened.").arg(pty.slavePath()));
     }
 
     void sessionReachesPromptOverTty()

@@ -93,21 +93,25 @@ void LoadAppSettings(const IniFile &ini, AppSettings &settings)
 
 void SaveAppSettings(IniFile &ini, const AppSettings &settings)
 {
-    ini.writeString(kApplication, kDownloadDirectory, settings.downloadDirectory);
-    ini.writeString(kApplication, kUploadDirectory, settings.uploadDirectory);
-    ini.writeString(kApplication, kZmodemOptions, QString::number(settings.zmodemOptions));
-    ini.writeString(kApplication, kTransferOptions, QString::number(settings.transferOptions));
-    ini.writeString(kApplication, kAutoZModem, iniBoolText(settings.autoZModem));
-    ini.writeString(kApplication, kHideIntro, iniBoolText(settings.hideIntro));
-    ini.writeString(kApplication, kHideDiag, iniBoolText(settings.hideDiag));
-    ini.writeString(kApplication, kRepeaterSetup, iniBoolText(settings.repeaterSetup));
+    QList<IniEntry> entries{
+        {kApplication, kDownloadDirectory, settings.downloadDirectory},
+        {kApplication, kUploadDirectory, settings.uploadDirectory},
+        {kApplication, kZmodemOptions, QString::number(settings.zmodemOptions)},
+        {kApplication, kTransferOptions, QString::number(settings.transferOptions)},
+        {kApplication, kAutoZModem, iniBoolText(settings.autoZModem)},
+        {kApplication, kHideIntro, iniBoolText(settings.hideIntro)},
+        {kApplication, kHideDiag, iniBoolText(settings.hideDiag)},
+        {kApplication, kRepeaterSetup, iniBoolText(settings.repeaterSetup)},
+    };
     // An emptied button writes nothing, so its old key stays in the file and comes back at the next load;
     // keys leave the file only by hand.
     for (size_t i = 0; i < settings.buttons.size(); ++i) {
         const ButtonAssignment &button = settings.buttons[i];
-        if (button.tag.isEmpty())
-            continue;
-        ini.writeString(kButtonAssignments, QString::number(i + 1) + QStringLiteral(" - ") + button.caption,
-                        buttonValueText(button.tag));
+        if (!button.tag.isEmpty())
+            entries.append({kButtonAssignments,
+                            QString::number(i + 1) + QStringLiteral(" - ") + button.caption,
+                            buttonValueText(button.tag)});
     }
+    // One change of the file for the whole save.
+    ini.writeStrings(entries);
 }

@@ -1,17 +1,34 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
+#include <functional>
+#include <memory>
+
+struct IniDocument;
+
+// One key to write: its section, its name and its value.
+struct IniEntry
+{
+    QString section;
+    QString key;
+    QString value;
+};
 
 // The program's settings file: "[Section]" headers and "Key=Value" lines, read and written key by
 // key with the classic profile-string rules. Section and key names match without regard to case,
 // blanks around names and values do not count, a value in matching quotes loses the quotes, and a
-// missing file, section or key simply yields the caller's default. Every read goes to the file, so
-// two IniFile objects on one path always agree.
+// missing file, section or key simply yields the caller's default. The file is read once and kept
+// until it changes on disk, so two IniFile objects on one path, or two programs, still agree.
+//
+// Only a file that does not exist counts as empty: one that exists but cannot be read is never
+// written, so the user's settings in it are not replaced by the few keys of this run.
 class IniFile
 {
 public:
     explicit IniFile(const QString &path);
+    ~IniFile();
 
     QString path() const;
 
@@ -28,12 +45,26 @@ public:
     QStringList keys(const QString &section, int bufferSize = 256) const;
     // Changes one key and leaves the rest of the file as it stands. Atomic: a crash mid-write leaves the
     // old file whole. A value (or key) can never add a line or a key: CR/LF and other line breaks are
-    // removed, and text behind a zero character is dropped as a C string would drop it. Failures are
-    // silent; the program never looks at the result of a write.
+    // removed, and text behind a zero character is dropped as a C string would drop it. The program
+    // never looks at the result of a write; a failure goes to onTrouble.
     void writeString(const QString &section, const QString &key, const QString &value);
+    // Several keys in one change of the file. A lock file beside the settings file keeps two programs
+    // from changing it at once, so neither loses the other's keys.
+    void writeStrings(const QList<IniEntry> &entries);
+
+    // Told, once each in a session, that the file cannot be read or cannot be saved: the text names
+    // the file and the reason.
+    std::function<void(const QString &message)> onTrouble;
 
 private:
+    // The file as it stands on disk, read again only when it changed there.
+    IniDocument &document() const;
+    void tell(bool &told, const QString &message) const;
+
     QString m_path;
+    mutable std::unique_ptr<IniDocument> m_document;
+    mutable bool m_toldUnreadable = false;
+    mutable bool m_toldUnsaved = false;
 };
 
 // The running program's file, with its full path.

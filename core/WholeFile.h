@@ -7,4 +7,5 @@
 // it only once all of them are written, so a crash or a full disk leaves the old file as it was.
 enum class WholeFileResult { Written, CannotOpen, WriteFailed };
 
-WholeFileResult writeWholeFile(const QString &path, const QByteArray &bytes);
+// A failure's reason, in the system's words, goes to reason when one is given.
+WholeFileResult writeWholeFile(const QString &path, const QByteArray &bytes, QString *reason = nullptr);

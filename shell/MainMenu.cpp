@@ -3,6 +3,7 @@
 #include "AppError.h"
 #include "BusyPointer.h"
 #include "CommControl.h"
+#include "IniFile.h"
 #include "ModemSession.h"
 #include "Named.h"
 #include "PortClaim.h"
@@ -41,6 +42,10 @@ MainMenu::MainMenu(ModemSession &session, IniFile &ini, QWidget *parent)
     : QMainWindow(parent), m_session(session), m_ini(ini)
 {
     setObjectName(QStringLiteral("MainMenu"));
+    // A settings file that cannot be read or saved is said once in a box; the program carries on.
+    m_ini.onTrouble = [this](const QString &message) {
+        m_session.prompts().MsgBox(message, MsgButtons::OkOnly, MsgIcon::Exclamation);
+    };
     setWindowTitle(appTitle() + QStringLiteral(" - Main Menu"));
 
     auto *central = new QWidget(this);
@@ -94,6 +99,7 @@ MainMenu::MainMenu(ModemSession &session, IniFile &ini, QWidget *parent)
 
 MainMenu::~MainMenu()
 {
+    m_ini.onTrouble = nullptr;
     delete m_programming;
     delete m_terminal;
 }

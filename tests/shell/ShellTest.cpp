@@ -43,10 +43,11 @@ const char *const kCompletePort =
 struct Shell : SessionRig
 {
     QTemporaryDir dir;
-    IniFile ini{dir.filePath(QStringLiteral("varnel-utility.INI"))};
+    IniFile ini;
     MainMenu menu{session, ini};
 
-    explicit Shell(const char *file = kCompletePort) : SessionRig(CommControl::kAutoProcessTerminal)
+    explicit Shell(const char *file = kCompletePort, const char *name = "varnel-utility.INI")
+        : SessionRig(CommControl::kAutoProcessTerminal), ini(dir.filePath(QLatin1String(name)))
     {
         port.setPortOpen(false);
         writeBytes(ini.path(), file);
@@ -146,6 +147,22 @@ private slots:
         whenModal([](QWidget *w) { click(w, "cmdCancel"); });
         s.menu.Load();
         QCOMPARE(ended, 1);
+        QVERIFY(s.prompts.verify());
+    }
+
+    void unsavedSettingsAreSaidOncePerRun()
+    {
+        // A home folder that takes no files: the port dialog will come back at every start, and says why.
+        Shell s("", "home/varnel-utility.INI");
+        QVERIFY(writeBytes(s.dir.filePath(QStringLiteral("home")), ""));
+        whenModal([](QWidget *w) { click(w, "cmdOK"); });
+        s.prompts
+            .expectMsgBox(
+                QStringLiteral("The settings cannot be saved to %1 (Not a directory).").arg(s.ini.path()))
+            .withIcon(MsgIcon::Exclamation);
+        s.menu.Load();
+        QVERIFY(s.port.PortOpen());
+        s.menu.close();
         QVERIFY(s.prompts.verify());
     }
 

@@ -3,11 +3,13 @@
 #include <QWidget>
 
 class QLineEdit;
-class QListWidget;
+class QListView;
+class QStringListModel;
 
 // The command list with its one-line edit field, as one control. Selecting a line shows it in the
 // edit field; the download routines step through the program exactly that way. The lines are held
-// by the list itself: there is no other copy of the program.
+// by the list itself: there is no other copy of the program. A list holds each line as a plain text,
+// so that a long program costs little more than its file.
 class CommandListBox : public QWidget
 {
     Q_OBJECT
@@ -18,6 +20,8 @@ public:
     QString line(int index) const;
     QStringList lines() const;
     void addLine(const QString &text);
+    // Adds the lines behind the last one at once: a long program file opens in one step.
+    void addLines(const QStringList &texts);
     void removeLine(int index);
     void clear();
 
@@ -30,9 +34,11 @@ public:
     void setText(const QString &text);
 
     QLineEdit *editField() const { return m_edit; }
-    QListWidget *listWidget() const { return m_list; }
+    QListView *listView() const { return m_list; }
 
 private:
     QLineEdit *m_edit;
-    QListWidget *m_list;
+    QStringListModel *m_lines;
+    QListView *m_list;
+    bool m_quiet = false; // the current line moves without the user: the edit field stays as it is
 };

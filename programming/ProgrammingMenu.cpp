@@ -269,8 +269,7 @@ void ProgrammingMenu::openProgramFile()
             prompts.MsgBox(message);
         if (openErrorAsksAgain(contents.errorNumber))
             continue;
-        for (const QString &line : contents.lines)
-            m_cmboedit->addLine(line);
+        m_cmboedit->addLines(contents.lines);
         break;
     }
 }
@@ -289,8 +288,7 @@ void ProgrammingMenu::readFromConnected()
     savePrompt();
     QStringList lines;
     ReadProgram(m_session, lines);
-    for (const QString &line : std::as_const(lines))
-        m_cmboedit->addLine(line);
+    m_cmboedit->addLines(lines);
 }
 
 void ProgrammingMenu::downloadToConnected()

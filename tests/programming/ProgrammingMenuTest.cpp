@@ -6,7 +6,7 @@
 
 #include <QApplication>
 #include <QLineEdit>
-#include <QListWidget>
+#include <QListView>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -162,9 +162,9 @@ private slots:
             } else if (action.startsWith(u"select:")) {
                 list.setListIndex(what.toInt());
             } else if (action.startsWith(u"click:")) {
-                QListWidget *view = list.listWidget();
+                QListView *view = list.listView();
                 QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
-                                  view->visualItemRect(view->item(what.toInt())).center());
+                                  view->visualRect(view->model()->index(what.toInt(), 0)).center());
             } else if (action == u"close") {
                 menu.close();
             } else if (auto *button = menu.findChild<QPushButton *>(action)) {

@@ -378,8 +378,7 @@ IniDocument &IniFile::document() const
     readDocument(m_path, *m_document);
     if (!m_document->unreadable.isEmpty())
         tell(m_toldUnreadable,
-             QStringLiteral("The settings file %1 cannot be read (%2). The program goes on with its defaults "
-                            "and leaves the file as it is.")
+             QStringLiteral("The settings file %1 cannot be read (%2): it is left as it is.")
                  .arg(QDir::toNativeSeparators(m_path), m_document->unreadable));
     return *m_document;
 }

@@ -285,6 +285,16 @@ private slots:
             QCOMPARE(rig.transcript(), items(writes));
     }
 
+    void floodNobodyReadsStaysBounded()
+    {
+        // A hundred megabytes while no dialogue reads: the control keeps the newest, where the prompt stands.
+        SessionRig rig(CommControl::kAutoProcessProgram);
+        for (int i = 0; i < 100; ++i)
+            rig.port.feed(QByteArray(1 << 20, 'x'));
+        rig.port.feed("\r\nCMD:");
+        QCOMPARE(rig.port.Input(), QByteArray(CommControl::kInBufferLimit - 6, 'x') + "\r\nCMD:");
+    }
+
     void nestedWaitRearmsTheOneTimer()
     {
         VirtualTime time;

@@ -3,6 +3,7 @@
 #include "AppError.h"
 #include "BusyPointer.h"
 #include "CommControl.h"
+#include "FlashProgress.h"
 #include "IniFile.h"
 #include "ModemSession.h"
 #include "Named.h"
@@ -136,6 +137,17 @@ void MainMenu::Load()
     m_terminal->Load();
     m_terminal->setVisible(false);
     connect(m_terminal, &Terminal::returnedToMainMenu, this, &MainMenu::sectionEnded);
+    wireModemScreens();
+}
+
+void MainMenu::wireModemScreens()
+{
+    Terminal *terminal = m_terminal;
+    const FlashTerminalHooks flashHooks{[terminal](const QString &title) { terminal->setWindowTitle(title); },
+                                        [terminal] { terminal->setPortTitle(); },
+                                        [terminal] { terminal->MComm_Click(4); }};
+    terminal->openFlashUpdate = [this, flashHooks] { mnuFlash(m_session, flashHooks, m_terminal); };
+    terminal->hooksChanged();
 }
 
 void MainMenu::sectionEnded()

@@ -63,6 +63,8 @@ protected:
 private:
     QPushButton *addCommand(const char *name, const QString &caption, const QString &toolTip);
     void updateSections();
+    // The terminal's entries that lead to the modem's own procedures.
+    void wireModemScreens();
 
     ModemSession &m_session;
     IniFile &m_ini;

@@ -83,6 +83,8 @@ void FlashLoader::take(char c)
             m_modem.afterUnlessInterrupted(kBlockProgramTime, [this] {
                 if (m_modem.mode() != Modem::Mode::Loader)
                     return;
+                if (m_blocks == m_refusedBlock)
+                    return prompt();
                 m_state = State::Between;
                 m_modem.send(QByteArray(1, kEnq));
             });

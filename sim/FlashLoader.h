@@ -18,6 +18,9 @@ public:
     // The unit is in its loader and shows its prompt.
     void enter();
     void take(char c);
+    // The flash cell under this block (counted from 1) is worn out: programming it fails, and the
+    // loader answers with its prompt instead of ENQ, the upload abandoned.
+    void refuseBlock(int block) { m_refusedBlock = block; }
 
 private:
     void prompt();
@@ -31,6 +34,7 @@ private:
     QByteArray m_image;
     QByteArray m_block;
     int m_blocks = 0;
+    int m_refusedBlock = 0;
 };
 
 } // namespace sim

@@ -221,6 +221,20 @@ private slots:
         QVERIFY(s.prompts.verify());
     }
 
+    // The terminal's entries for the modem itself lead to their procedures; over the adaptor each
+    // refuses with its own box and sends nothing.
+    void modemEntriesAreWired()
+    {
+        Shell s;
+        s.menu.Load();
+        s.session.IrDongleActive = true;
+        s.port.clearEvents();
+        s.prompts.expectMsgBox(QStringLiteral("Flash Update Not Available Through Dongle!"));
+        s.menu.terminal()->mnuFlash->trigger();
+        QVERIFY(s.prompts.verify());
+        QVERIFY(s.port.writes().isEmpty());
+    }
+
     void terminalEmulationHandsThePortToTheScreen()
     {
         Shell s;

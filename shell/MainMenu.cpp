@@ -10,6 +10,7 @@
 #include "PortClaim.h"
 #include "ProgrammingMenu.h"
 #include "Prompts.h"
+#include "SetBaudS.h"
 #include "Terminal.h"
 #include "WorkingFileOpen.h"
 #include "frmAbout.h"
@@ -147,6 +148,7 @@ void MainMenu::wireModemScreens()
                                         [terminal] { terminal->setPortTitle(); },
                                         [terminal] { terminal->MComm_Click(4); }};
     terminal->openFlashUpdate = [this, flashHooks] { mnuFlash(m_session, flashHooks, m_terminal); };
+    terminal->openSerialRate = [this] { mnuSerialS(m_session, m_terminal); };
     terminal->hooksChanged();
 }
 

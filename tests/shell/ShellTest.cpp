@@ -231,6 +231,8 @@ private slots:
         s.port.clearEvents();
         s.prompts.expectMsgBox(QStringLiteral("Flash Update Not Available Through Dongle!"));
         s.menu.terminal()->mnuFlash->trigger();
+        s.prompts.expectMsgBox(QStringLiteral("You must connect directly to Varnel to change baud rate"));
+        s.menu.terminal()->mnuSerialS->trigger();
         QVERIFY(s.prompts.verify());
         QVERIFY(s.port.writes().isEmpty());
     }

@@ -100,6 +100,7 @@ ProgrammingMenu::ProgrammingMenu(ModemSession &session, QWidget *parent)
     resize(720, 480);
 
     buildMenus();
+    hooksChanged();
 
     connect(m_cmdokVNL, &QPushButton::clicked, this, &ProgrammingMenu::addTypedCommand);
     connect(m_cmddelete, &QPushButton::clicked, this, &ProgrammingMenu::deleteSelectedCommand);
@@ -186,10 +187,18 @@ void ProgrammingMenu::buildMenus()
     QMenu *mnuVNLinfo = namedMenu(menuBar(), "mnuVNLinfo", QStringLiteral("Varnel Information"));
     later(namedEntry(mnuVNLinfo, "mnucopyr", QStringLiteral("Copyright")));
     later(namedEntry(mnuVNLinfo, "mnuModelNumber2", QStringLiteral("Model Number")));
-    later(namedEntry(mnuVNLinfo, "mnuModemopt", QStringLiteral("Modem Options")));
+    m_mnuModemopt = namedEntry(mnuVNLinfo, "mnuModemopt", QStringLiteral("Modem Options"));
+    connect(m_mnuModemopt, &QAction::triggered, this, [this] {
+        if (showModelOptions)
+            showModelOptions();
+    });
     later(namedEntry(mnuVNLinfo, "mnuserial", QStringLiteral("Modem Serial Number")));
     later(namedEntry(mnuVNLinfo, "mnusoftvers", QStringLiteral("Modem Software Version")));
-    later(namedEntry(mnuVNLinfo, "mnuHours", QStringLiteral("Hour Meter")));
+    m_mnuHours = namedEntry(mnuVNLinfo, "mnuHours", QStringLiteral("Hour Meter"));
+    connect(m_mnuHours, &QAction::triggered, this, [this] {
+        if (openHours)
+            openHours();
+    });
     later(namedEntry(mnuVNLinfo, "mnupacketl", QStringLiteral("Packet Length")));
     later(namedEntry(mnuVNLinfo, "mnuretries", QStringLiteral("Number of Retries")));
     later(namedEntry(mnuVNLinfo, "mnuxmitstats", QStringLiteral("Transmit status")));
@@ -197,6 +206,12 @@ void ProgrammingMenu::buildMenus()
     QMenu *mnuhelp = namedMenu(menuBar(), "mnuhelp", QStringLiteral("Help"));
     connect(namedEntry(mnuhelp, "mnuAbout", QStringLiteral("About")), &QAction::triggered, this,
             &ProgrammingMenu::aboutRequested);
+}
+
+void ProgrammingMenu::hooksChanged()
+{
+    m_mnuModemopt->setEnabled(bool(showModelOptions));
+    m_mnuHours->setEnabled(bool(openHours));
 }
 
 void ProgrammingMenu::AddCommand(const QString &text)

@@ -3,6 +3,7 @@
 #include "PortClaim.h"
 
 #include <QMainWindow>
+#include <functional>
 
 class CommandListBox;
 class ModemSession;
@@ -33,6 +34,12 @@ public:
     // Replaces the list by the lines of a program file, after the save prompt.
     void openProgramFile();
 
+    // Forms of the modem's own section that entries of this screen open. An entry whose form is not
+    // there stays disabled; hooksChanged() re-reads them.
+    std::function<void()> showModelOptions;
+    std::function<void()> openHours;
+    void hooksChanged();
+
 signals:
     // The screen has closed: the main menu shows itself again.
     void returnedToMainMenu();
@@ -60,5 +67,7 @@ private:
     QPushButton *m_cmddelete;
     QPushButton *m_cmdClear;
     QPushButton *m_cmdreturn;
+    QAction *m_mnuModemopt;
+    QAction *m_mnuHours;
     PortClaim m_port;
 };

@@ -7,6 +7,7 @@
 #include "IniFile.h"
 #include "ModemSession.h"
 #include "Named.h"
+#include "OptionsForms.h"
 #include "PortClaim.h"
 #include "ProgrammingMenu.h"
 #include "Prompts.h"
@@ -149,6 +150,8 @@ void MainMenu::wireModemScreens()
                                         [terminal] { terminal->MComm_Click(4); }};
     terminal->openFlashUpdate = [this, flashHooks] { mnuFlash(m_session, flashHooks, m_terminal); };
     terminal->openSerialRate = [this] { mnuSerialS(m_session, m_terminal); };
+    terminal->openPowerLevel = [this] { mnuPowerS(m_session, m_terminal); };
+    terminal->showModelOptions = [this] { ShowModelOptions(m_session, m_terminal); };
     terminal->hooksChanged();
 }
 
@@ -186,6 +189,9 @@ void MainMenu::cmdVnlPrg_Click()
         connect(m_programming, &ProgrammingMenu::returnedToMainMenu, this, &MainMenu::sectionEnded);
         connect(m_programming, &ProgrammingMenu::aboutRequested, this,
                 [this] { frmAbout(m_session.prompts(), m_programming).exec(); });
+        m_programming->showModelOptions = [this] { ShowModelOptions(m_session, m_programming); };
+        m_programming->openHours = [this] { mnuHours(m_session, m_programming); };
+        m_programming->hooksChanged();
     }
     m_programming->show();
     setVisible(false);

@@ -235,6 +235,10 @@ private slots:
         s.menu.terminal()->mnuSerialS->trigger();
         QVERIFY(s.prompts.verify());
         QVERIFY(s.port.writes().isEmpty());
+        s.menu.cmdVnlPrg->click();
+        for (const char *entry : {"mnuModemopt", "mnuHours"})
+            QVERIFY(s.menu.programmingMenu()->findChild<QAction *>(QLatin1String(entry))->isEnabled());
+        QVERIFY(s.menu.terminal()->mnuPowerS->isEnabled());
     }
 
     void terminalEmulationHandsThePortToTheScreen()

@@ -106,9 +106,9 @@ const Case kCases[] = {
     {"cancel in the dialog", "", -1, "", "file", "{enter} | {gather}", "{gather} | unload",
      "3 1 19200,n,8,1 idle Command 1.52"},
     {"already on the adaptor", "adaptor set", 4096, "", "dongle", "", "", "3 1 9600,n,8,1 idle Command 1.52"},
-    {"adaptor found by the search", "adaptor", 4096, "", "dongle?:yes | dongle",
+    {"adaptor found by the search", "adaptor", 4096, "", "dongle?:Yes | dongle",
      "\\r | <03> | FA\\r | <D1> | <C0> | <D0> | <03> | E | <03>", "", "3 1 9600,n,8,1 idle Command 1.52"},
-    {"no command prompt", "dead", 4096, "", "dongle?:no | switch:abort", "\\r | <03> | FA\\r | FA\\r", "",
+    {"no command prompt", "dead", 4096, "", "dongle?:No | switch:Abort", "\\r | <03> | FA\\r | FA\\r", "",
      "3 1 19200,n,8,1 idle Command 1.52"},
     {"no loader", "", 4096, "dead", "file | no loader",
      "{enter} | {gather} | \\r | flash\\r | \\r | flash\\r | \\r | \\r",
@@ -226,8 +226,7 @@ private slots:
             if (fault == u"hang up")
                 rig.link.time().after(3000, [&] { rig.link.line().hangUp(); });
         };
-        // Each box by its key, with the user's answer behind a colon where it is not OK; "file" is
-        // the file dialog.
+        // Each box by its key and the user's answer; "file" is the file dialog.
         for (const QString &item : items(c.boxes)) {
             const QString key = item.section(u':', 0, 0);
             if (key == u"file") {
@@ -235,18 +234,14 @@ private slots:
                     .then(onChoice);
                 continue;
             }
-            const auto *box = std::find_if(std::begin(kBoxes), std::end(kBoxes),
-                                           [&](const auto &b) { return key == QLatin1String(b[0]); });
-            const QString text = QLatin1String((*box)[1]);
-            const QString answer = item.section(u':', 1);
+            const QString text =
+                QLatin1String((*std::find_if(std::begin(kBoxes), std::end(kBoxes),
+                                             [&](auto &b) { return key == QLatin1String(b[0]); }))[1]);
             if (key.startsWith(u"error"))
                 rig.prompts.expectMsgBox(
                     appErrorText({text.section(u' ', 0, 0).toInt(), text.section(QStringLiteral(" = "), 1)}));
             else
-                rig.prompts.expectMsgBox(text, answer == u"yes"     ? MsgAnswer::Yes
-                                               : answer == u"no"    ? MsgAnswer::No
-                                               : answer == u"abort" ? MsgAnswer::Abort
-                                                                    : MsgAnswer::Ok);
+                rig.prompts.expectAnswered(text + item.mid(key.size()));
         }
         FlashUpdate(rig.session, rig.view).mnuFlash();
         QVERIFY(rig.prompts.verify());

@@ -53,6 +53,18 @@ public:
     {
         return add({Kind::MsgBox, text, answer});
     }
+    // A box as a table writes it: its text, and the answer behind a last colon when it is not OK
+    // ("Return To Wideband?:Yes"; the words as MsgAnswer names them).
+    Expectation &expectAnswered(const QString &item)
+    {
+        static const QStringList words{QStringLiteral("Ok"),     QStringLiteral("Cancel"),
+                                       QStringLiteral("Abort"),  QStringLiteral("Retry"),
+                                       QStringLiteral("Ignore"), QStringLiteral("Yes"),
+                                       QStringLiteral("No")};
+        const qsizetype colon = item.lastIndexOf(u':');
+        const qsizetype answer = colon < 0 ? -1 : words.indexOf(item.mid(colon + 1));
+        return answer < 0 ? expectMsgBox(item) : expectMsgBox(item.left(colon), MsgAnswer(answer));
+    }
     Expectation &expectInputBox(const QString &prompt, std::optional<QString> reply)
     {
         return add({Kind::InputBox, prompt, MsgAnswer::Ok, std::move(reply)});

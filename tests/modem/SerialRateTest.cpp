@@ -74,9 +74,9 @@ const Case kCases[] = {
      "Reset Successful (green) | [Download  9600,E,7,1] | step 2 | Download Successful (green) | step 3 | "
      "[Test New Baud Rate] | operating | Press OK to Continue (green) | [OK] | no cancel | unload",
      "4 9600,E,7,1 25"},
-    {"19200 on a new unit", "Q4U", "19200,N,8,1", "reset:0 | OK | OK | reset:1 | OK", "",
-     "<03> | Model\\r | Option\\r | Version\\r | s/n\\r | <03> | comrate 40:sa\\r | <03>", "",
-     "4 19200,N,8,1 40"},
+    {"19200 with two stop bits", "Q4U", "19200,N,8,2", "reset:0 | OK | OK | reset:1 | OK", "",
+     "<03> | Model\\r | Option\\r | Version\\r | s/n\\r | <03> | comrate 32:sa\\r | <03>", "",
+     "4 19200,N,8,2 32"},
     {"19200 on the spread-spectrum model", "Q4Z", "19200,N,8,1", "reset:0 | OK | OK | reset:1 | OK", "",
      "<03> | Model\\r | Option\\r | Version\\r | <03> | comrate 43:sa\\r | <03>", "", "4 19200,N,8,1 43"},
     {"57600 on the spread-spectrum model", "Q4Z", "57600,N,8,1", "reset:0 | OK | OK | reset:1 | OK", "",
@@ -127,8 +127,10 @@ private slots:
         sim::Scenario scenario = sim::Scenario::standard();
         sim::ModemProfile &unit = scenario.modems[0];
         unit.settings = {{QStringLiteral("ECHO"), QStringLiteral("OFF")}};
-        if (modem == u"Q4U 9600")
+        if (modem == u"Q4U 9600") {
             unit.settings.insert(QStringLiteral("COMRATE"), QStringLiteral("41"));
+            unit.serial = 12000; // the first serial number of the new case
+        }
         unit.model = modem == u"Q4Z" ? modem : QStringLiteral("Q4U");
         if (modem == u"old") {
             unit.serial = 11000;

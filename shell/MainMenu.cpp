@@ -203,12 +203,12 @@ void MainMenu::cmdTermEm_Click()
     m_terminal->setVisible(true);
     comm.Input();
     m_terminal->activateWindow();
-    m_terminal->FocusComm1();
+    m_terminal->focusComm1();
     // A carriage return makes the modem show a fresh prompt on the screen.
     ignoreErrors([&] { comm.Output(QByteArrayLiteral("\r")); });
     PortClaim::giveToTerminal(comm);
     setVisible(false);
-    m_terminal->ShowTermIntro();
+    m_terminal->showTermIntro();
 }
 
 void MainMenu::cmdProductInfo_Click()

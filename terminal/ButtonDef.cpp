@@ -1,5 +1,7 @@
 #include "ButtonDef.h"
 
+#include "Named.h"
+
 #include <QCheckBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -11,7 +13,7 @@ namespace {
 constexpr QChar kCr = u'\r';
 }
 
-QString ButtonListEntry(int number, const QString &caption)
+QString buttonListEntry(int number, const QString &caption)
 {
     // Numbers print with a leading blank where a sign would stand.
     return QStringLiteral(" %1 - %2").arg(number).arg(caption);
@@ -42,11 +44,11 @@ ButtonDef::ButtonDef(const ButtonRow &buttons, int selected, QWidget *parent)
     Note1->setWordWrap(true);
 
     auto *form = new QFormLayout;
-    auto *buttonLabel = new QLabel(QStringLiteral("&Button:"), this);
+    auto *buttonLabel = named<QLabel>("lblBtnNo", QStringLiteral("&Button:"), this);
     buttonLabel->setBuddy(BtnNo);
-    auto *captionLabel = new QLabel(QStringLiteral("Button &Caption:"), this);
+    auto *captionLabel = named<QLabel>("lblBtnCap", QStringLiteral("Button &Caption:"), this);
     captionLabel->setBuddy(BtnCap);
-    auto *textLabel = new QLabel(QStringLiteral("&Software Command:"), this);
+    auto *textLabel = named<QLabel>("lblBtnText", QStringLiteral("&Software Command:"), this);
     textLabel->setBuddy(BtnText);
     form->addRow(buttonLabel, BtnNo);
     form->addRow(captionLabel, BtnCap);
@@ -58,7 +60,7 @@ ButtonDef::ButtonDef(const ButtonRow &buttons, int selected, QWidget *parent)
     layout->addWidget(Quit, 0, Qt::AlignRight);
 
     for (int i = 0; i < int(m_buttons.size()); ++i)
-        BtnNo->addItem(ButtonListEntry(i + 1, m_buttons[size_t(i)]->text()));
+        BtnNo->addItem(buttonListEntry(i + 1, m_buttons[size_t(i)]->text()));
 
     connect(BtnNo, &QListWidget::currentRowChanged, this, &ButtonDef::BtnNo_Click);
     connect(BtnCap, &QLineEdit::textEdited, this, &ButtonDef::BtnCap_Change);
@@ -104,7 +106,7 @@ void ButtonDef::BtnCap_LostFocus()
 {
     const int row = BtnNo->currentRow();
     if (TagButton *button = selectedButton())
-        BtnNo->item(row)->setText(ButtonListEntry(row + 1, button->text()));
+        BtnNo->item(row)->setText(buttonListEntry(row + 1, button->text()));
 }
 
 void ButtonDef::BtnText_Change(const QString &text)

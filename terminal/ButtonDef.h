@@ -38,4 +38,4 @@ private:
 };
 
 // A list entry of the dialog: the number as printed with its leading blank, " - " and the caption.
-QString ButtonListEntry(int number, const QString &caption);
+QString buttonListEntry(int number, const QString &caption);

@@ -32,7 +32,7 @@ int utf8Length(uchar lead)
 
 } // namespace
 
-QString CaptureModeName(int mode)
+QString captureModeName(int mode)
 {
     switch (mode) {
     case int(CaptureMode::Binary):
@@ -180,7 +180,7 @@ CaptureFile::~CaptureFile()
 
 void CaptureFile::setMode(int mode)
 {
-    if (CaptureModeName(mode).isEmpty())
+    if (captureModeName(mode).isEmpty())
         throw AppError{AppErrors::InvalidPropertyValue, QStringLiteral("Invalid property value")};
     if (m_file.isOpen())
         m_file.write(m_text.finish());

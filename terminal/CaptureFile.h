@@ -9,7 +9,7 @@
 // The capture modes of the terminal, numbered as CaptureMode holds them.
 enum class CaptureMode { Binary = 1, Visible = 2, Standard = 3 };
 // "BINARY", "VISIBLE" or "STANDARD": the mode's name in the status line.
-QString CaptureModeName(int mode);
+QString captureModeName(int mode);
 
 // Turns what the screen shows into capture text, piece by piece; pieces may split a sequence.
 // Visible keeps the characters as they arrive with CR, LF and TAB, and drops escape sequences and

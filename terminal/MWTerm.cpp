@@ -42,9 +42,9 @@ QIcon swatch(const QColor &color)
 QComboBox *colorList(QWidget *parent, const char *name)
 {
     auto *list = named<QComboBox>(name, parent);
-    const QStringList names = PaletteColorNames();
+    const QStringList names = paletteColorNames();
     for (int i = 0; i < kPaletteSize; ++i)
-        list->addItem(swatch(PaletteColor(i)), names[i]);
+        list->addItem(swatch(paletteColor(i)), names[i]);
     return list;
 }
 
@@ -55,14 +55,9 @@ QSpinBox *numberField(QWidget *parent, const char *name, int minimum, int maximu
     return field;
 }
 
-bool readBool(const IniFile &ini, const QString &section, const QString &key)
-{
-    return iniBool(ini.getString(section, key, iniBoolText(false)));
-}
-
 } // namespace
 
-QByteArray SampleTerminalText()
+QByteArray sampleTerminalText()
 {
     return "CMD:model\r\nModel Q4U\r\nCMD:\x1b[1mbold\x1b[0m, \x1b[7mreverse\x1b[0m and "
            "\x1b[4munderline\x1b[0m\r\n"
@@ -92,7 +87,7 @@ MWTerm::MWTerm(ModemSession &session, IniFile &ini, QWidget *parent)
     cboBackspace->addItems({QStringLiteral("Ctrl-H (8)"), QStringLiteral("Delete (127)")});
     txtRows = numberField(this, "txtRows", 1, TerminalScreen::kMaxRows);
     txtColumns = numberField(this, "txtColumns", 1, TerminalScreen::kMaxColumns);
-    txtScrollRows = numberField(this, "txtScrollRows", 0, ScrollLimit(1));
+    txtScrollRows = numberField(this, "txtScrollRows", 0, scrollRowsLimit(1));
     chkEcho = new QCheckBox(QStringLiteral("Local &Echo"), this);
     chkEcho->setObjectName(QStringLiteral("chkEcho"));
     cmdFont = new QPushButton(QStringLiteral("Select Fo&nt"), this);
@@ -184,7 +179,7 @@ void MWTerm::trySample()
     CommSample->setFont(s.font);
     // The sample shows its text as the chosen emulation would.
     CommSample->setScreenText(QString());
-    CommSample->receive(SampleTerminalText());
+    CommSample->receive(sampleTerminalText());
     CommSample->flush();
 }
 
@@ -214,12 +209,12 @@ bool MWTerm::SetTerminalSettings(TerminalScreen &control)
 {
     if (!proveControl(control))
         return false;
-    fillFrom(TermSettingsOf(control));
+    fillFrom(control.settings());
     if (exec() != QDialog::Accepted)
         return false;
     const TermSettings chosen = settings();
-    ApplyTermSettings(control, chosen);
-    WriteTermSettings(m_ini, TerminalSection(control.port()->Tag()), chosen);
+    control.applySettings(chosen);
+    writeTermSection(m_ini, terminalSection(control.port()->Tag()), chosen);
     return true;
 }
 
@@ -228,7 +223,7 @@ void MWTerm::LoadTerminalSettings(TerminalScreen &control)
     if (!proveControl(control))
         return;
     CommControl &port = *control.port();
-    const QString section = TerminalSection(port.Tag());
+    const QString section = terminalSection(port.Tag());
 
     // The last of these that the system has stands.
     QFont font = control.font();
@@ -245,34 +240,13 @@ void MWTerm::LoadTerminalSettings(TerminalScreen &control)
     port.setRThreshold(0);
     PortClaim::giveToTerminal(port);
 
-    const int emulation = m_ini.getInt(section, QStringLiteral("Emulation"), 0);
-    if (emulation == 0) {
+    const std::optional<TermSettings> saved = readTermSection(m_ini, section, control.settings());
+    if (!saved) {
         control.setEmulation(2);
         SetTerminalSettings(control);
         return;
     }
-    control.setEmulation(emulation);
-
-    font.setFamily(m_ini.getString(section, QStringLiteral("FontName"), font.family()));
-    const double size =
-        FontSizeValue(m_ini.getString(section, QStringLiteral("Fontsize"), QStringLiteral("9.1")));
-    if (size > 0)
-        font.setPointSizeF(size);
-    font.setBold(readBool(m_ini, section, QStringLiteral("FontBold")));
-    font.setItalic(readBool(m_ini, section, QStringLiteral("FontItalic")));
-    control.setFont(font);
-    control.setBackColor(m_ini.getInt(section, QStringLiteral("BackColor"), 1));
-    control.setForeColor(m_ini.getInt(section, QStringLiteral("ForeColor"), 15));
-    const int columns = m_ini.getInt(section, QStringLiteral("Columns"), TerminalScreen::kDefaultColumns);
-    const int limit = ScrollLimit(columns);
-    const int rows =
-        std::min(m_ini.getInt(section, QStringLiteral("Rows"), TerminalScreen::kDefaultRows), limit);
-    control.setScrollRows(std::min(m_ini.getInt(section, QStringLiteral("ScrollRows"), limit), limit));
-    control.setCursorType(m_ini.getInt(section, QStringLiteral("CursorType"), 0));
-    control.setBackspace(m_ini.getInt(section, QStringLiteral("Backspace"), 0));
-    control.setEcho(readBool(m_ini, section, QStringLiteral("Echo(Duplex)")));
-
-    // The screen's text comes through the change of size, less its trailing empty lines.
-    control.setScreenSize(rows, columns);
+    control.applySettings(*saved);
+    // The screen's text comes through, less its trailing empty lines, even when the size stays.
     control.reflowText();
 }

@@ -57,4 +57,4 @@ private:
 };
 
 // The sample text of the settings dialog.
-QByteArray SampleTerminalText();
+QByteArray sampleTerminalText();

@@ -11,7 +11,7 @@ constexpr char kLf = '\n';
 
 // Bytes after which the emulation's state is still the power-on state apart from the screen's
 // text and the cursor: printable ASCII and the harmless controls. In the TTY emulation the bytes
-// above 127 are whole UTF-8 characters made by TtyFilter, so they are plain too.
+// above 127 are whole UTF-8 characters made by ttyFilter, so they are plain too.
 bool isPlainAscii(uchar byte)
 {
     return (byte >= 0x20 && byte < 0x7F) || byte == '\r' || byte == '\n' || byte == '\t' || byte == '\b' ||
@@ -48,12 +48,12 @@ bool isBlank(const TermCell &cell)
 
 } // namespace
 
-TermEmulation EmulationFromNumber(int number)
+TermEmulation emulationFromNumber(int number)
 {
     return number == int(TermEmulation::Tty) ? TermEmulation::Tty : TermEmulation::Vt100;
 }
 
-QByteArray TtyFilter(QByteArrayView bytes)
+QByteArray ttyFilter(QByteArrayView bytes)
 {
     const auto plain = std::all_of(bytes.begin(), bytes.end(), [](char c) { return isPlainAscii(uchar(c)); });
     if (plain)

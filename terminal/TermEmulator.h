@@ -12,7 +12,7 @@ struct VTermScreen;
 
 // The emulations the terminal offers, numbered as the Emulation setting stores them.
 enum class TermEmulation { Tty = 1, Vt100 = 2 };
-TermEmulation EmulationFromNumber(int number);
+TermEmulation emulationFromNumber(int number);
 
 // A colour as the emulator keeps it: the default foreground or background (the screen's ForeColor
 // and BackColor decide it when painting), or a colour that the modem chose, as RGB.
@@ -49,7 +49,7 @@ struct TermCell
 
 // The TTY emulation is a glass teletype: printable text, CR, LF, BS, TAB and BEL pass, every other
 // control byte (ESC with it) is dropped, and bytes above 127 are taken as Latin-1 characters.
-QByteArray TtyFilter(QByteArrayView bytes);
+QByteArray ttyFilter(QByteArrayView bytes);
 
 // The screen of the terminal without its window: libvterm interprets the bytes, lines that leave the
 // top of the screen go to a scroll-back of bounded length. Bytes are queued by write() and

@@ -31,13 +31,13 @@ constexpr std::array<PaletteEntry, kPaletteSize> kPalette{{
 
 } // namespace
 
-QColor PaletteColor(int index)
+QColor paletteColor(int index)
 {
     // Out-of-range numbers from a hand-edited settings file wrap around as the palette's four bits do.
     return QColor(kPalette[size_t(index & (kPaletteSize - 1))].rgb);
 }
 
-QStringList PaletteColorNames()
+QStringList paletteColorNames()
 {
     QStringList names;
     for (const PaletteEntry &entry : kPalette)
@@ -45,7 +45,7 @@ QStringList PaletteColorNames()
     return names;
 }
 
-ColorFilter ColorFilterFromNumber(int number)
+ColorFilter colorFilterFromNumber(int number)
 {
     switch (number) {
     case int(ColorFilter::GrayScale):
@@ -57,7 +57,7 @@ ColorFilter ColorFilterFromNumber(int number)
     }
 }
 
-CellColors FilterColors(const QColor &fg, const QColor &bg, ColorFilter filter)
+CellColors filterColors(const QColor &fg, const QColor &bg, ColorFilter filter)
 {
     switch (filter) {
     case ColorFilter::Color:

@@ -78,8 +78,7 @@ void Terminal::buildScreen()
     layout->addLayout(buttons);
     setCentralWidget(central);
 
-    connect(Comm1Screen, &TerminalScreen::KeyDown, this, &Terminal::Comm1_KeyDown);
-    connect(Comm1Screen, &TerminalScreen::KeyPress, this, &Terminal::Comm1_KeyPress);
+    connect(Comm1Screen, &TerminalScreen::keyRouted, this, &Terminal::applyKeyRoute);
     connect(Comm1Screen, &TerminalScreen::DblClick, this, &Terminal::Comm1_DblClick);
     connect(Comm1Screen, &TerminalScreen::bell, this, [this] { m_session.prompts().Beep(); });
     connect(&Comm1(), &CommControl::received, this, &Terminal::Comm1_Receive);
@@ -251,19 +250,19 @@ void Terminal::SetStatus(const QString &text)
     m_lastStatus = text;
 }
 
-void Terminal::FocusComm1()
+void Terminal::focusComm1()
 {
     Comm1Screen->setFocus();
 }
 
-void Terminal::ShowTermIntro()
+void Terminal::showTermIntro()
 {
     if (Settings.hideIntro)
         return;
     TermIntro intro(this);
     intro.exec();
     Settings.hideIntro = intro.chkHide->isChecked();
-    FocusComm1();
+    focusComm1();
 }
 
 void Terminal::OpenCapture(TerminalScreen &control, int mode)
@@ -282,7 +281,7 @@ void Terminal::OpenCapture(TerminalScreen &control, int mode)
     control.setCaptureMode(mode);
     control.setCaptureFilename(name);
     m_session.CaptureActive = true;
-    SetStatus(QStringLiteral("Capturing [") + CaptureModeName(mode) + QStringLiteral("] to ") + name);
+    SetStatus(QStringLiteral("Capturing [") + captureModeName(mode) + QStringLiteral("] to ") + name);
 }
 
 void Terminal::CloseCapture(TerminalScreen &control)
@@ -306,7 +305,7 @@ void Terminal::MFile_Click(int index)
         attempt(m_session.prompts(), [&] { CloseCapture(*Comm1Screen); });
         MFile(1)->setEnabled(true);
         MFile(2)->setEnabled(false);
-        FocusComm1();
+        focusComm1();
         break;
     case 4:
         emit returnedToMainMenu();
@@ -422,7 +421,7 @@ void Terminal::Btn_Click(int index)
     }
     // One write whatever AutoProcess is, never character by character.
     attempt(m_session.prompts(), [&] { Comm1().Output(button->Tag.toLatin1()); });
-    FocusComm1();
+    focusComm1();
 }
 
 void Terminal::MComm_Click(int index)
@@ -445,30 +444,27 @@ void Terminal::Comm1_Receive()
     ignoreErrors([&] { Comm1().Disp(Comm1().Input()); });
 }
 
-void Terminal::Comm1_KeyPress(int ascii)
+void Terminal::applyKeyRoute(const KeyRoute &route)
 {
-    if (Comm1().AutoProcess() == CommControl::kAutoProcessProgram)
-        ignoreErrors([&] { Comm1().Output(QByteArray(1, char(ascii))); });
-    if (ascii == 27)
+    if (route.escPressed)
         m_session.EscPressed = true;
-}
-
-void Terminal::Comm1_KeyDown(int key, Qt::KeyboardModifiers shift)
-{
-    const bool withShift = shift & Qt::ShiftModifier;
-    const bool withCtrl = shift & Qt::ControlModifier;
     const QString selection = Comm1Screen->SelText();
-    if (key == Qt::Key_Insert && withShift) {
+    switch (route.edit) {
+    case KeyRoute::Edit::Paste:
         ignoreErrors([&] { Comm1().Output(clipboardText().toLatin1()); });
-    } else if (key == Qt::Key_Insert && withCtrl) {
+        break;
+    case KeyRoute::Edit::Copy:
+    case KeyRoute::Edit::CopyAndUnselect:
         // The keyboard copies leave out the selection's last character.
-        if (!selection.isEmpty())
-            QGuiApplication::clipboard()->setText(selection.chopped(1));
-    } else if (key == Qt::Key_Delete) {
-        if (withShift && !selection.isEmpty())
-            QGuiApplication::clipboard()->setText(selection.chopped(1));
-        if (!selection.isEmpty())
+        QGuiApplication::clipboard()->setText(selection.chopped(1));
+        if (route.edit == KeyRoute::Edit::CopyAndUnselect)
             Comm1Screen->clearSelection();
+        break;
+    case KeyRoute::Edit::Unselect:
+        Comm1Screen->clearSelection();
+        break;
+    default:
+        break;
     }
 }
 
@@ -485,15 +481,15 @@ void Terminal::Comm1_DblClick()
 
 void Terminal::keyPressEvent(QKeyEvent *event)
 {
-    // A key typed while a button has the focus goes to the screen and the modem.
-    const int ascii = KeyAscii(event->key(), event->modifiers(), event->text());
-    if (ascii < 0) {
+    KeyContext context;
+    context.portOpen = Comm1().PortOpen();
+    const KeyRoute route =
+        routeKey({TypedKey::Place::Form, event->key(), event->modifiers(), event->text()}, context);
+    if (route.passOn) {
         QMainWindow::keyPressEvent(event);
         return;
     }
-    FocusComm1();
-    ignoreErrors([&] {
-        if (Comm1().PortOpen())
-            Comm1().Output(QByteArray(1, char(ascii)));
-    });
+    focusComm1();
+    if (!route.send.isEmpty())
+        ignoreErrors([&] { Comm1().Output(route.send); });
 }

@@ -15,6 +15,7 @@ class QAction;
 class QLabel;
 class QMenu;
 class TerminalScreen;
+struct KeyRoute;
 
 // The terminal form: the carrier of the serial control Comm1 and of the one millisecond timer
 // through which every screen talks to the modem, whether or not the window is visible, and the
@@ -51,8 +52,8 @@ public:
 
     // The terminal's part in showing the window from the main menu: the focus goes to the screen,
     // and the introduction appears unless the user asked not to see it again.
-    void FocusComm1();
-    void ShowTermIntro();
+    void focusComm1();
+    void showTermIntro();
 
     // Opens a capture in the given mode after asking for the file; closes the open one.
     void OpenCapture(TerminalScreen &control, int mode);
@@ -126,8 +127,7 @@ private:
     void buildMenus();
     void applyButtons();
     void collectButtons();
-    void Comm1_KeyDown(int key, Qt::KeyboardModifiers shift);
-    void Comm1_KeyPress(int ascii);
+    void applyKeyRoute(const KeyRoute &route);
     void Comm1_DblClick();
     void Comm1_Receive();
     void openButtonDef(int index);

@@ -2,9 +2,7 @@
 
 #include "AppError.h"
 #include "CommControl.h"
-#include "TermPalette.h"
 
-#include <QGlyphRun>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -12,7 +10,6 @@
 #include <QScrollBar>
 
 #include <chrono>
-#include <cstring>
 
 using namespace std::chrono_literals;
 
@@ -35,96 +32,7 @@ constexpr qsizetype kMostPending = 1024 * 1024;
 
 const QLatin1String kLineEnd("\r\n");
 
-// One cell's part of a row picture: where it goes and the glyph picture it comes from.
-struct CellPiece
-{
-    qsizetype offset = 0;
-    const uchar *bits = nullptr;
-    qsizetype stride = 0;
-    size_t bytes = 0;
-};
-
-// Writes a row picture line by line from its cells' glyphs. Cells of the usual width are copied with
-// a fixed size, which the compiler turns into a few moves instead of a call per cell and line.
-template <size_t Bytes>
-void CopyPieces(uchar *bits, qsizetype rowBytes, int lines, const std::vector<CellPiece> &pieces)
-{
-    for (int y = 0; y < lines; ++y, bits += rowBytes) {
-        for (const CellPiece &piece : pieces) {
-            const uchar *source = piece.bits + y * piece.stride;
-            if (Bytes != 0 && piece.bytes == Bytes)
-                std::memcpy(bits + piece.offset, source, Bytes);
-            else
-                std::memcpy(bits + piece.offset, source, piece.bytes);
-        }
-    }
-}
-
-void CopyPieces(uchar *bits, qsizetype rowBytes, int lines, size_t cellBytes,
-                const std::vector<CellPiece> &pieces)
-{
-    switch (cellBytes) {
-    case 24:
-        return CopyPieces<24>(bits, rowBytes, lines, pieces);
-    case 28:
-        return CopyPieces<28>(bits, rowBytes, lines, pieces);
-    case 32:
-        return CopyPieces<32>(bits, rowBytes, lines, pieces);
-    case 36:
-        return CopyPieces<36>(bits, rowBytes, lines, pieces);
-    case 40:
-        return CopyPieces<40>(bits, rowBytes, lines, pieces);
-    default:
-        return CopyPieces<0>(bits, rowBytes, lines, pieces);
-    }
-}
-
 } // namespace
-
-int KeyAscii(int key, Qt::KeyboardModifiers modifiers, const QString &text)
-{
-    switch (key) {
-    case Qt::Key_Backspace:
-        return 8;
-    case Qt::Key_Tab:
-    case Qt::Key_Backtab:
-        return 9;
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        return 13;
-    case Qt::Key_Escape:
-        return 27;
-    default:
-        break;
-    }
-    if ((modifiers & Qt::ControlModifier) && !(modifiers & Qt::AltModifier)) {
-        if (key >= Qt::Key_A && key <= Qt::Key_Z)
-            return key - Qt::Key_A + 1;
-        switch (key) {
-        case Qt::Key_At:
-        case Qt::Key_Space:
-            return 0;
-        case Qt::Key_BracketLeft:
-            return 27;
-        case Qt::Key_Backslash:
-            return 28;
-        case Qt::Key_BracketRight:
-            return 29;
-        case Qt::Key_AsciiCircum:
-            return 30;
-        case Qt::Key_Underscore:
-            return 31;
-        default:
-            return -1;
-        }
-    }
-    if (text.size() == 1) {
-        const char16_t ch = text.at(0).unicode();
-        if (ch >= 0x20 && ch <= 0xFF && ch != 0x7F && !(ch >= 0x80 && ch < 0xA0))
-            return ch;
-    }
-    return -1;
-}
 
 TerminalScreen::TerminalScreen(QWidget *parent) : QAbstractScrollArea(parent)
 {
@@ -141,11 +49,11 @@ TerminalScreen::TerminalScreen(QWidget *parent) : QAbstractScrollArea(parent)
     terminalFont.setFixedPitch(true);
     terminalFont.setPointSize(9);
     setFont(terminalFont);
-    updateMetrics();
+    m_renderer.setFont(font());
 
     m_emu.setScrollLimit(kDefaultScrollRows);
     m_clock.start();
-    m_lastProcessMs = -kScrollingRepaintGap.count();
+    m_lastProcess = -kScrollingRepaintGap;
     m_repaint.setSingleShot(true);
     connect(&m_repaint, &QTimer::timeout, this, [this] { process(kSliceBytes); });
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -167,25 +75,28 @@ void TerminalScreen::setEmulation(int emulation)
 {
     flush();
     m_emulation = emulation;
-    m_emu.setEmulation(EmulationFromNumber(emulation));
+    m_emu.setEmulation(emulationFromNumber(emulation));
 }
 
 void TerminalScreen::setForeColor(int index)
 {
-    m_foreColor = index;
-    restyle();
+    TermStyle style = m_renderer.style();
+    style.foreColor = index;
+    restyle(style);
 }
 
 void TerminalScreen::setBackColor(int index)
 {
-    m_backColor = index;
-    restyle();
+    TermStyle style = m_renderer.style();
+    style.backColor = index;
+    restyle(style);
 }
 
 void TerminalScreen::setColorFilter(int filter)
 {
-    m_colorFilter = filter;
-    restyle();
+    TermStyle style = m_renderer.style();
+    style.colorFilter = filter;
+    restyle(style);
 }
 
 void TerminalScreen::setScrollRows(int lines)
@@ -197,8 +108,9 @@ void TerminalScreen::setScrollRows(int lines)
 
 void TerminalScreen::setCursorType(int type)
 {
-    m_cursorType = type;
-    restyle();
+    TermStyle style = m_renderer.style();
+    style.cursorType = type;
+    restyle(style);
 }
 
 void TerminalScreen::setAutoSize(bool on)
@@ -219,7 +131,7 @@ void TerminalScreen::setCaptureFilename(const QString &fileName)
 
 QByteArray TerminalScreen::shownBytes(const QByteArray &bytes) const
 {
-    return m_emu.emulation() == TermEmulation::Tty ? TtyFilter(bytes) : bytes;
+    return m_emu.emulation() == TermEmulation::Tty ? ttyFilter(bytes) : bytes;
 }
 
 void TerminalScreen::receive(const QByteArray &bytes)
@@ -242,7 +154,7 @@ void TerminalScreen::scheduleRepaint()
 {
     if (m_repaint.isActive())
         return;
-    const auto sinceLast = std::chrono::milliseconds(m_clock.elapsed() - m_lastProcessMs);
+    const auto sinceLast = std::chrono::milliseconds(m_clock.elapsed()) - m_lastProcess;
     const auto gap = m_lastProcessScrolled ? kScrollingRepaintGap : kRepaintGap;
     m_repaint.start(std::max<std::chrono::milliseconds>(kRepaintDelay, gap - sinceLast));
 }
@@ -256,7 +168,7 @@ void TerminalScreen::flush()
 void TerminalScreen::process(qsizetype maxBytes)
 {
     const bool more = m_emu.process(maxBytes);
-    m_lastProcessMs = m_clock.elapsed();
+    m_lastProcess = std::chrono::milliseconds(m_clock.elapsed());
     m_capture.flush();
     const QByteArray reply = m_emu.takeOutput();
     if (!reply.isEmpty() && m_port && m_port->AutoProcess() == CommControl::kAutoProcessTerminal)
@@ -321,8 +233,9 @@ void TerminalScreen::updateCells(const QRect &cells)
     if (cells.isEmpty())
         return;
     const int top = topRow();
-    viewport()->update(QRect(cells.left() * m_cellWidth, (cells.top() - top) * m_cellHeight,
-                             cells.width() * m_cellWidth, cells.height() * m_cellHeight));
+    const QSize cell = cellSize();
+    viewport()->update(QRect(cells.left() * cell.width(), (cells.top() - top) * cell.height(),
+                             cells.width() * cell.width(), cells.height() * cell.height()));
 }
 
 QString TerminalScreen::ScreenText()
@@ -395,7 +308,7 @@ void TerminalScreen::relayout(int rows, int columns)
         text.chop(kLineEnd.size());
     m_emu.clearScreen();
     m_emu.setSize(rows, columns);
-    m_rowCache.clear();
+    m_renderer.forgetRows();
     clearSelection();
     display(text.toUtf8());
     flush();
@@ -442,81 +355,21 @@ QString TerminalScreen::SelText() const
     return lines.join(kLineEnd);
 }
 
-void TerminalScreen::updateMetrics()
-{
-    const QFontMetrics metrics(font());
-    m_cellWidth = std::max(1, metrics.horizontalAdvance(QLatin1Char('M')));
-    m_cellHeight = std::max(1, metrics.height());
-    m_ascent = metrics.ascent();
-    for (size_t i = 0; i < m_fonts.size(); ++i) {
-        QFont variant = font();
-        variant.setBold(i & 1);
-        variant.setUnderline(i & 2);
-        variant.setItalic(i & 4);
-        variant.setStrikeOut(i & 8);
-        m_fonts[i] = variant;
-    }
-    for (size_t i = 0; i < m_faces.size(); ++i)
-        m_faces[i] = Face{QRawFont::fromFont(m_fonts[(i & 1) | ((i & 2) ? 4 : 0)]), {}};
-}
-
-void TerminalScreen::drawChars(QPainter &painter, int x, const std::u32string &chars, quint8 attrs) const
-{
-    Face &face = m_faces[size_t(((attrs & TermCell::Bold) ? 1 : 0) | ((attrs & TermCell::Italic) ? 2 : 0))];
-    QList<quint32> glyphs;
-    QList<QPointF> positions;
-    glyphs.reserve(qsizetype(chars.size()));
-    positions.reserve(qsizetype(chars.size()));
-    bool complete = face.raw.isValid();
-    for (size_t i = 0; complete && i < chars.size(); ++i) {
-        auto found = face.glyphs.constFind(chars[i]);
-        if (found == face.glyphs.cend()) {
-            const QString text = QString::fromUcs4(&chars[i], 1);
-            quint32 glyph = 0;
-            int count = 1;
-            if (!face.raw.glyphIndexesForChars(text.constData(), int(text.size()), &glyph, &count) ||
-                count != 1)
-                glyph = 0;
-            found = face.glyphs.insert(chars[i], glyph);
-        }
-        complete = *found != 0 || chars[i] == U' ';
-        glyphs << *found;
-        positions << QPointF(qreal(i) * m_cellWidth, m_ascent);
-    }
-    if (!complete) {
-        // A character the font lacks: the text engine finds it in a fallback font.
-        painter.setFont(fontFor(attrs));
-        painter.drawText(x, m_ascent, QString::fromUcs4(chars.data(), qsizetype(chars.size())));
-        return;
-    }
-    QGlyphRun run;
-    run.setRawFont(face.raw);
-    run.setGlyphIndexes(glyphs);
-    run.setPositions(positions);
-    run.setUnderline(attrs & TermCell::Underline);
-    run.setStrikeOut(attrs & TermCell::Strike);
-    painter.drawGlyphRun(QPointF(x, 0), run);
-}
-
-const QFont &TerminalScreen::fontFor(quint8 attrs) const
-{
-    return m_fonts[size_t((attrs & 7) | ((attrs & TermCell::Strike) ? 8 : 0))];
-}
-
 QSize TerminalScreen::sizeHint() const
 {
     const int frame = 2 * frameWidth();
-    return {Columns() * m_cellWidth + frame + verticalScrollBar()->sizeHint().width(),
-            Rows() * m_cellHeight + frame};
+    const QSize cell = cellSize();
+    return {Columns() * cell.width() + frame + verticalScrollBar()->sizeHint().width(),
+            Rows() * cell.height() + frame};
 }
 
 void TerminalScreen::changeEvent(QEvent *event)
 {
     QAbstractScrollArea::changeEvent(event);
     if (event->type() == QEvent::FontChange) {
-        updateMetrics();
+        m_renderer.setFont(font());
         updateGeometry();
-        restyle();
+        viewport()->update();
     }
 }
 
@@ -537,7 +390,7 @@ void TerminalScreen::scrollContentsBy(int, int)
     viewport()->update();
 }
 
-TerminalScreen::RowLook TerminalScreen::rowLook(int row) const
+RowLook TerminalScreen::rowLook(int row) const
 {
     RowLook look;
     m_emu.rowCells(row, look.cells);
@@ -553,205 +406,92 @@ TerminalScreen::RowLook TerminalScreen::rowLook(int row) const
     return look;
 }
 
-const QImage &TerminalScreen::rowImage(RowLook &&look)
-{
-    size_t hash = qHashMulti(0, look.selFrom, look.selTo, look.cursorColumn);
-    for (const TermCell &cell : look.cells)
-        hash = qHashMulti(hash, uint(cell.ch), cell.fg.value, cell.bg.value, cell.attrs);
-    ++m_paintCount;
-    for (CachedRow &cached : m_rowCache) {
-        if (cached.hash == hash && cached.look == look) {
-            cached.used = m_paintCount;
-            return cached.image;
-        }
-    }
-    const size_t capacity = size_t(2 * Rows() + 8);
-    auto slot = m_rowCache.end();
-    if (m_rowCache.size() >= capacity)
-        slot = std::min_element(m_rowCache.begin(), m_rowCache.end(),
-                                [](const CachedRow &a, const CachedRow &b) { return a.used < b.used; });
-    if (slot == m_rowCache.end()) {
-        m_rowCache.emplace_back();
-        slot = m_rowCache.end() - 1;
-    }
-    const qreal ratio = devicePixelRatioF();
-    const QSize size(qRound(Columns() * m_cellWidth * ratio), qRound(m_cellHeight * ratio));
-    // An evicted row's picture is painted over rather than allocated anew.
-    if (slot->image.size() != size || slot->image.devicePixelRatio() != ratio) {
-        slot->image = QImage(size, QImage::Format_RGB32);
-        slot->image.setDevicePixelRatio(ratio);
-    }
-    renderRow(slot->image, look);
-    slot->hash = hash;
-    slot->look = std::move(look);
-    slot->used = m_paintCount;
-    return slot->image;
-}
-
-const QImage &TerminalScreen::cellImage(const GlyphKey &key) const
-{
-    if (const auto found = m_cells.constFind(key); found != m_cells.cend())
-        return *found;
-    const qreal ratio = devicePixelRatioF();
-    const int width = qRound(m_cellWidth * ratio) * (key.wide ? 2 : 1);
-    QImage image(width, qRound(m_cellHeight * ratio), QImage::Format_RGB32);
-    image.setDevicePixelRatio(ratio);
-    image.fill(QColor(key.bg));
-    if (key.ch != U' ' || (key.attrs & (TermCell::Underline | TermCell::Strike))) {
-        QPainter painter(&image);
-        painter.setPen(QColor(key.fg));
-        drawChars(painter, 0, std::u32string(1, key.ch), key.attrs);
-    }
-    return *m_cells.insert(key, std::move(image));
-}
-
-void TerminalScreen::renderRow(QImage &image, const RowLook &look) const
-{
-    const auto filter = ColorFilterFromNumber(m_colorFilter);
-    const QColor defaultFg = PaletteColor(m_foreColor);
-    const QColor defaultBg = PaletteColor(m_backColor);
-    const std::vector<TermCell> &cells = look.cells;
-    const int columns = int(cells.size());
-    const int cellBytes = qRound(m_cellWidth * image.devicePixelRatio()) * 4;
-    const int height = image.height();
-    const qsizetype rowBytes = image.bytesPerLine();
-    uchar *const bits = image.bits();
-    constexpr quint8 kGlyphAttrs = TermCell::Bold | TermCell::Italic | TermCell::Underline | TermCell::Strike;
-    // Many colours and characters make many cells: start afresh rather than grow without end, but
-    // never within a row, which holds on to the cells it has looked up.
-    constexpr qsizetype kMostCells = 4096;
-    if (m_cells.size() + columns > kMostCells)
-        m_cells.clear();
-    // Neighbouring cells mostly look alike: the colours are worked out again only when the look
-    // changes, and the plain characters of the present look are found without hashing.
-    struct Glyph
-    {
-        const uchar *bits = nullptr;
-        qsizetype stride = 0;
-    };
-    std::array<Glyph, 128> asciiGlyphs;
-    std::vector<CellPiece> pieces;
-    pieces.reserve(size_t(columns));
-    TermCell lastLook;
-    bool lastSelected = false;
-    CellColors colors;
-    bool haveColors = false;
-    for (int column = 0; column < columns; ++column) {
-        const TermCell &cell = cells[size_t(column)];
-        // The right half of a wide character was painted with its left half.
-        if (cell.ch == 0 && column > 0 && cells[size_t(column - 1)].ch != 0)
-            continue;
-        const bool inSelection = column >= look.selFrom && column < look.selTo;
-        if (!haveColors || !cell.sameLook(lastLook) || inSelection != lastSelected) {
-            QColor fg = cell.fg.isDefault() ? defaultFg : QColor(QRgb(cell.fg.rgb()));
-            QColor bg = cell.bg.isDefault() ? defaultBg : QColor(QRgb(cell.bg.rgb()));
-            if (bool(cell.attrs & TermCell::Reverse) != inSelection)
-                std::swap(fg, bg);
-            colors = FilterColors(fg, bg, filter);
-            lastLook = cell;
-            lastSelected = inSelection;
-            haveColors = true;
-            asciiGlyphs.fill({});
-        }
-        const char32_t ch = cell.ch == 0 ? U' ' : cell.ch;
-        const bool wide = cell.ch != 0 && column + 1 < columns && cells[size_t(column + 1)].ch == 0;
-        const bool isAscii = ch < asciiGlyphs.size() && !wide;
-        Glyph glyph = isAscii ? asciiGlyphs[ch] : Glyph{};
-        if (!glyph.bits) {
-            const QImage &found =
-                cellImage({ch, colors.fg.rgb(), colors.bg.rgb(), quint8(cell.attrs & kGlyphAttrs), wide});
-            glyph = {found.constBits(), found.bytesPerLine()};
-            if (isAscii)
-                asciiGlyphs[ch] = glyph;
-        }
-        const qsizetype offset = qsizetype(column) * cellBytes;
-        pieces.push_back(
-            {offset, glyph.bits, glyph.stride, size_t(std::min(glyph.stride, rowBytes - offset))});
-    }
-    CopyPieces(bits, rowBytes, height, size_t(cellBytes), pieces);
-    if (look.cursorColumn < 0 || look.cursorColumn >= columns)
-        return;
-    const CellColors plain = FilterColors(defaultFg, defaultBg, filter);
-    QPainter painter(&image);
-    const QRect cell(look.cursorColumn * m_cellWidth, 0, m_cellWidth, m_cellHeight);
-    if (m_cursorType == CursorBlock) {
-        painter.fillRect(cell, plain.fg);
-        const TermCell &under = cells[size_t(look.cursorColumn)];
-        if (under.ch > U' ') {
-            painter.setPen(plain.bg);
-            drawChars(painter, cell.left(), std::u32string(1, under.ch), under.attrs);
-        }
-    } else {
-        painter.fillRect(QRect(cell.left(), cell.bottom() - 1, m_cellWidth, 2), plain.fg);
-    }
-}
-
 void TerminalScreen::paintEvent(QPaintEvent *event)
 {
     QPainter painter(viewport());
     const QRect area = event->rect();
-    const int firstRow = std::max(0, area.top() / m_cellHeight);
-    const int lastRow = std::min(Rows() - 1, area.bottom() / m_cellHeight);
+    const QSize cell = cellSize();
+    const int firstRow = std::max(0, area.top() / cell.height());
+    const int lastRow = std::min(Rows() - 1, area.bottom() / cell.height());
     const int top = topRow();
+    m_renderer.setDevicePixelRatio(devicePixelRatioF());
+    const size_t cachedRows = size_t(2 * Rows() + 8);
     for (int viewRow = firstRow; viewRow <= lastRow; ++viewRow)
-        painter.drawImage(QPoint(0, viewRow * m_cellHeight), rowImage(rowLook(top + viewRow)));
+        painter.drawImage(QPoint(0, viewRow * cell.height()),
+                          m_renderer.rowImage(rowLook(top + viewRow), cachedRows));
 
     // Beyond the last column and the last row, the screen's own background.
-    const QRegion margin = QRegion(area) - QRect(0, 0, Columns() * m_cellWidth, Rows() * m_cellHeight);
-    if (!margin.isEmpty()) {
-        const QColor background = FilterColors(PaletteColor(m_foreColor), PaletteColor(m_backColor),
-                                               ColorFilterFromNumber(m_colorFilter))
-                                      .bg;
-        for (const QRect &rect : margin)
-            painter.fillRect(rect, background);
-    }
+    const QRegion margin = QRegion(area) - QRect(0, 0, Columns() * cell.width(), Rows() * cell.height());
+    for (const QRect &rect : margin)
+        painter.fillRect(rect, m_renderer.background());
 }
 
-void TerminalScreen::restyle()
+void TerminalScreen::restyle(const TermStyle &style)
 {
-    m_rowCache.clear();
-    m_cells.clear();
+    m_renderer.setStyle(style);
     viewport()->update();
 }
 
-void TerminalScreen::sendFromKeyboard(const QByteArray &bytes)
+TermSettings TerminalScreen::settings() const
 {
-    ignoreErrors([&] { m_port->Output(bytes); });
-    if (m_echo)
-        display(bytes);
-    QScrollBar *bar = verticalScrollBar();
-    bar->setValue(bar->maximum());
+    TermSettings s;
+    s.emulation = Emulation();
+    s.backspace = Backspace();
+    s.echo = Echo();
+    s.foreColor = ForeColor();
+    s.backColor = BackColor();
+    s.colorFilter = ColorFilter();
+    s.rows = Rows();
+    s.columns = Columns();
+    s.scrollRows = ScrollRows();
+    s.font = font();
+    s.cursorType = CursorType();
+    return s;
+}
+
+void TerminalScreen::applySettings(const TermSettings &settings)
+{
+    setEmulation(settings.emulation);
+    setBackspace(settings.backspace);
+    setEcho(settings.echo);
+    restyle({settings.foreColor, settings.backColor, settings.colorFilter, settings.cursorType});
+    setFont(settings.font);
+    setScrollRows(settings.scrollRows);
+    setScreenSize(settings.rows, settings.columns);
 }
 
 void TerminalScreen::keyPressEvent(QKeyEvent *event)
 {
     event->accept();
-    if ((event->modifiers() & Qt::ShiftModifier) &&
-        (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown)) {
-        QScrollBar *bar = verticalScrollBar();
-        bar->triggerAction(event->key() == Qt::Key_PageUp ? QAbstractSlider::SliderPageStepSub
-                                                          : QAbstractSlider::SliderPageStepAdd);
+    const TypedKey typed{TypedKey::Place::Screen, event->key(), event->modifiers(), event->text()};
+    const KeyContext context{m_port ? m_port->AutoProcess() : CommControl::kAutoProcessTerminal,
+                             m_port && m_port->PortOpen(),
+                             m_backspace,
+                             m_echo,
+                             !SelText().isEmpty(),
+                             m_emu.cursorKeyBytes(Qt::Key(event->key()))};
+    const KeyRoute route = routeKey(typed, context);
+    QScrollBar *bar = verticalScrollBar();
+    if (route.edit == KeyRoute::Edit::PageUp || route.edit == KeyRoute::Edit::PageDown) {
+        bar->triggerAction(route.edit == KeyRoute::Edit::PageUp ? QAbstractSlider::SliderPageStepSub
+                                                                : QAbstractSlider::SliderPageStepAdd);
         return;
     }
-    emit KeyDown(event->key(), event->modifiers());
-    const int ascii = KeyAscii(event->key(), event->modifiers(), event->text());
-    QByteArray bytes;
-    if (ascii == 8)
-        bytes = QByteArray(1, m_backspace == 1 ? '\x7f' : '\b');
-    else if (ascii >= 0)
-        bytes = QByteArray(1, char(ascii));
-    else
-        bytes = m_emu.cursorKeyBytes(Qt::Key(event->key()));
-    if (!bytes.isEmpty() && m_port && m_port->AutoProcess() == CommControl::kAutoProcessTerminal)
-        sendFromKeyboard(bytes);
-    if (ascii >= 0)
-        emit KeyPress(ascii);
+    // A screen without a port (the settings sample) sends and echoes nothing.
+    if (m_port && !route.send.isEmpty())
+        ignoreErrors([&] { m_port->Output(route.send); });
+    if (m_port && route.echo)
+        display(route.send);
+    if (m_port && route.followCursor)
+        bar->setValue(bar->maximum());
+    emit keyRouted(route);
 }
 
 TerminalScreen::CellPos TerminalScreen::cellAt(const QPoint &point) const
 {
-    const int row = std::clamp(topRow() + point.y() / m_cellHeight, -scrollbackLines(), Rows() - 1);
-    const int column = std::clamp((point.x() + m_cellWidth / 2) / m_cellWidth, 0, Columns());
+    const QSize cell = cellSize();
+    const int row = std::clamp(topRow() + point.y() / cell.height(), -scrollbackLines(), Rows() - 1);
+    const int column = std::clamp((point.x() + cell.width() / 2) / cell.width(), 0, Columns());
     return {row, column};
 }
 

@@ -3,22 +3,16 @@
 #include "CaptureFile.h"
 #include "CommControl.h"
 #include "TermEmulator.h"
+#include "TermKeys.h"
+#include "TermRenderer.h"
+#include "TerminalSettings.h"
 
 #include <QAbstractScrollArea>
 #include <QElapsedTimer>
-#include <QHash>
-#include <QImage>
 #include <QPoint>
 #include <QPointer>
-#include <QRawFont>
 #include <QTimer>
-#include <array>
-#include <string>
-
-// The key's character code as the terminal's key-press event reports it: 8 for Backspace, 13 for
-// Enter, 27 for Esc, 9 for Tab, 1 to 26 for Ctrl and a letter, the Latin-1 code of a typed
-// character; -1 for keys without one (cursor keys, function keys, Insert, Delete).
-int KeyAscii(int key, Qt::KeyboardModifiers modifiers, const QString &text);
+#include <chrono>
 
 // The screen half of Comm1: the terminal screen with its text, cursor, selection, scroll-back and
 // capture, and the terminal members of the control (emulation, colours, size, font, echo...).
@@ -38,8 +32,6 @@ public:
     static constexpr int kMaxRows = 200;
     static constexpr int kMaxColumns = 400;
 
-    enum CursorShape { CursorUnderline = 0, CursorBlock = 1 };
-
     explicit TerminalScreen(QWidget *parent = nullptr);
     ~TerminalScreen() override;
 
@@ -54,11 +46,11 @@ public:
     void setBackspace(int code) { m_backspace = code; }
     bool Echo() const { return m_echo; }
     void setEcho(bool on) { m_echo = on; }
-    int ForeColor() const { return m_foreColor; }
+    int ForeColor() const { return m_renderer.style().foreColor; }
     void setForeColor(int index);
-    int BackColor() const { return m_backColor; }
+    int BackColor() const { return m_renderer.style().backColor; }
     void setBackColor(int index);
-    int ColorFilter() const { return m_colorFilter; }
+    int ColorFilter() const { return m_renderer.style().colorFilter; }
     void setColorFilter(int filter);
     int Rows() const { return m_emu.rows(); }
     void setRows(int rows) { setScreenSize(rows, Columns()); }
@@ -67,7 +59,7 @@ public:
     int ScrollRows() const { return m_emu.scrollLimit(); }
     void setScrollRows(int lines);
     // The font is the widget's own (font(), setFont()).
-    int CursorType() const { return m_cursorType; }
+    int CursorType() const { return m_renderer.style().cursorType; }
     void setCursorType(int type);
     // True: the screen is exactly as large as its rows and columns in its font.
     bool AutoSize() const { return m_autoSize; }
@@ -75,6 +67,10 @@ public:
     // 0: the view stays where the user scrolled it; otherwise new text brings it back to the cursor.
     int AutoScroll() const { return m_autoScroll; }
     void setAutoScroll(int mode) { m_autoScroll = mode; }
+
+    // The members that the terminal section keeps, and all of them at once; a new size keeps the text.
+    TermSettings settings() const;
+    void applySettings(const TermSettings &settings);
 
     QString CaptureFilename() const { return m_capture.fileName(); }
     // A name opens the capture file (AppError when it cannot be created); the empty text closes it.
@@ -107,21 +103,22 @@ public:
     int scrollbackLines() const { return m_emu.scrollbackLines(); }
     // The row shown at the top of the view (negative while the view is scrolled back).
     int topRow() const;
+    // A row as it is painted, with the part of the selection and the cursor on it.
+    RowLook rowLook(int row) const;
 
     // Shows everything queued now instead of at the next repaint tick.
     void flush();
 
     QSize sizeHint() const override;
-    QSize cellSize() const { return {m_cellWidth, m_cellHeight}; }
+    QSize cellSize() const { return m_renderer.cellSize(); }
 
 public slots:
     // Text for the screen, as received (or put there by Disp).
     void receive(const QByteArray &bytes);
 
 signals:
-    // The control's key events, for the form: every key, and those that have a character code.
-    void KeyDown(int key, Qt::KeyboardModifiers shift);
-    void KeyPress(int ascii);
+    // A key typed here went where routeKey sent it; the form does what the route leaves to it.
+    void keyRouted(const KeyRoute &route);
     void DblClick();
     // The modem rang the bell (at most once per repaint tick).
     void bell();
@@ -155,51 +152,9 @@ private:
     void scheduleRepaint();
     void scrollbackGrew(qint64 lines);
     void updateScrollBar();
-    void updateMetrics();
     void updateCells(const QRect &cells);
-    void sendFromKeyboard(const QByteArray &bytes);
-    // One row as painted: its cells, the selected columns, where the cursor stands on it.
-    struct RowLook
-    {
-        std::vector<TermCell> cells;
-        int selFrom = -1;
-        int selTo = -1;
-        int cursorColumn = -1;
-        bool operator==(const RowLook &) const = default;
-    };
-    struct CachedRow
-    {
-        size_t hash = 0;
-        RowLook look;
-        QImage image;
-        quint64 used = 0;
-    };
-    // One character cell as painted: the character, its colours after reverse, selection and
-    // filter, and the attributes that change the glyph.
-    struct GlyphKey
-    {
-        char32_t ch = U' ';
-        QRgb fg = 0;
-        QRgb bg = 0;
-        quint8 attrs = 0;
-        bool wide = false;
-        bool operator==(const GlyphKey &) const = default;
-        friend size_t qHash(const GlyphKey &key, size_t seed = 0)
-        {
-            return qHashMulti(seed, uint(key.ch), key.fg, key.bg, key.attrs, key.wide);
-        }
-    };
-    RowLook rowLook(int row) const;
-    const QImage &rowImage(RowLook &&look);
-    void renderRow(QImage &image, const RowLook &look) const;
-    const QImage &cellImage(const GlyphKey &key) const;
-    // Colours, font or cursor changed: every row is painted afresh.
-    void restyle();
+    void restyle(const TermStyle &style);
     CellPos cellAt(const QPoint &point) const;
-    const QFont &fontFor(quint8 attrs) const;
-    // Draws characters one to a cell, from glyphs looked up once per character: a terminal's text
-    // needs no shaping, and shaping every new line is what a fast stream would otherwise cost.
-    void drawChars(QPainter &painter, int x, const std::u32string &chars, quint8 attrs) const;
 
     TermEmulator m_emu{kDefaultRows, kDefaultColumns};
     CaptureFile m_capture;
@@ -209,33 +164,12 @@ private:
     int m_emulation = int(TermEmulation::Vt100);
     int m_backspace = 0;
     bool m_echo = false;
-    int m_foreColor = 15;
-    int m_backColor = 1;
-    int m_colorFilter = 0;
-    int m_cursorType = CursorUnderline;
     bool m_autoSize = true;
     int m_autoScroll = 4;
 
-    int m_cellWidth = 8;
-    int m_cellHeight = 16;
-    int m_ascent = 12;
-    // The font with each combination of bold, underline, italic and strike-out.
-    std::array<QFont, 16> m_fonts;
-    // The font's faces without and with bold and italic, and the glyph of each character drawn so far.
-    struct Face
-    {
-        QRawFont raw;
-        QHash<char32_t, quint32> glyphs;
-    };
-    mutable std::array<Face, 4> m_faces;
-    // Every cell drawn so far, as a picture: a row is put together by copying pixels, not by drawing text.
-    mutable QHash<GlyphKey, QImage> m_cells;
+    TermRenderer m_renderer;
     CellPos m_paintedCursor{-1, -1};
-
-    // Rows painted lately, kept as pictures: a scrolling screen shows mostly rows it has painted before.
-    std::vector<CachedRow> m_rowCache;
-    quint64 m_paintCount = 0;
-    qint64 m_lastProcessMs = 0;
+    std::chrono::milliseconds m_lastProcess{0};
     bool m_lastProcessScrolled = false;
     QElapsedTimer m_clock;
 

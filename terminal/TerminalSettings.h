@@ -2,9 +2,9 @@
 
 #include <QFont>
 #include <QString>
+#include <optional>
 
 class IniFile;
-class TerminalScreen;
 
 // The terminal members of Comm1 that the settings keep, in the section "Terminal_" and the tag.
 struct TermSettings
@@ -24,17 +24,19 @@ struct TermSettings
     bool operator==(const TermSettings &) const = default;
 };
 
-QString TerminalSection(const QString &tag);
+QString terminalSection(const QString &tag);
 
 // The whole part of 2 to the power 31 divided by the columns: the most rows and scroll-back rows
 // a screen of that width may have.
-int ScrollLimit(int columns);
+int scrollRowsLimit(int columns);
 
 // A font size as the settings store it: the number at the front of the text, with its fraction.
-double FontSizeValue(const QString &text);
+double fontSizeValue(const QString &text);
 
-TermSettings TermSettingsOf(const TerminalScreen &screen);
-// Puts the settings on the screen; a new size keeps the text on the screen.
-void ApplyTermSettings(TerminalScreen &screen, const TermSettings &settings);
 // Writes every key of the section.
-void WriteTermSettings(IniFile &ini, const QString &section, const TermSettings &settings);
+void writeTermSection(IniFile &ini, const QString &section, const TermSettings &settings);
+// Reads the section over the control's present settings, each missing key at its default; nothing
+// when the emulation is missing or 0, which asks for the dialog. The screen filter is written but
+// not read back, so it stays as the control has it.
+std::optional<TermSettings> readTermSection(const IniFile &ini, const QString &section,
+                                            const TermSettings &present);

@@ -43,11 +43,11 @@ private slots:
 
 void CaptureFileTest::modeNames()
 {
-    QCOMPARE(CaptureModeName(1), QStringLiteral("BINARY"));
-    QCOMPARE(CaptureModeName(2), QStringLiteral("VISIBLE"));
-    QCOMPARE(CaptureModeName(3), QStringLiteral("STANDARD"));
-    QCOMPARE(CaptureModeName(0), QString());
-    QCOMPARE(CaptureModeName(4), QString());
+    QCOMPARE(captureModeName(1), QStringLiteral("BINARY"));
+    QCOMPARE(captureModeName(2), QStringLiteral("VISIBLE"));
+    QCOMPARE(captureModeName(3), QStringLiteral("STANDARD"));
+    QCOMPARE(captureModeName(0), QString());
+    QCOMPARE(captureModeName(4), QString());
 }
 
 void CaptureFileTest::visibleText_data()
@@ -65,7 +65,8 @@ void CaptureFileTest::visibleText_data()
                                             "d")
                               << QByteArray("ab\tcd");
     QTest::newRow("overwrites kept") << QByteArray("abc\rX\n") << QByteArray("abc\rX\n");
-    QTest::newRow("utf-8") << QByteArray("\xc3\xa9t\xc3\xa9") << QByteArray("\xc3\xa9t\xc3\xa9");
+    QTest::newRow("utf-8") << QByteArray("\xc3\xa9t\xe2\x82\xac\xf0\x9f\x98\x80\xf4\x8f\xbf\xbf")
+                           << QByteArray("\xc3\xa9t\xe2\x82\xac\xf0\x9f\x98\x80\xf4\x8f\xbf\xbf");
     QTest::newRow("bad utf-8") << QByteArray("a\x80"
                                              "b")
                                << QByteArray("a\xef\xbf\xbd"
@@ -88,6 +89,7 @@ void CaptureFileTest::standardText_data()
     QTest::newRow("backspace") << QByteArray("abc\b\bZ\r\n") << QByteArray("aZc\r\n");
     QTest::newRow("backspace at start") << QByteArray("\b\bq\r\n") << QByteArray("q\r\n");
     QTest::newRow("tab") << QByteArray("a\tb\r\n") << QByteArray("a       b\r\n");
+    QTest::newRow("tab on a stop") << QByteArray("abcdefgh\tb\r\n") << QByteArray("abcdefgh        b\r\n");
     QTest::newRow("trailing blanks") << QByteArray("ab   \r\n") << QByteArray("ab\r\n");
     QTest::newRow("bare line feed keeps column") << QByteArray("ab\ncd\r\n") << QByteArray("ab\r\n  cd\r\n");
     QTest::newRow("unfinished prompt") << QByteArray("ok\r\nCMD:") << QByteArray("ok\r\nCMD:");
@@ -147,7 +149,7 @@ void CaptureFileTest::textFilesHoldWhatTheScreenShows()
     for (const auto &[mode, expected] :
          {std::pair{CaptureMode::Visible, QByteArray("rssi -72\r\nabc\rX\r\nCMD:")},
           std::pair{CaptureMode::Standard, QByteArray("rssi -72\r\nXbc\r\nCMD:")}}) {
-        const QString path = dir.filePath(CaptureModeName(int(mode)));
+        const QString path = dir.filePath(captureModeName(int(mode)));
         CaptureFile capture;
         capture.setMode(int(mode));
         capture.open(path);

@@ -1,4 +1,5 @@
 #include "MWTerm.h"
+#include "Golden.h"
 #include "Terminal.h"
 #include "TerminalFixture.h"
 #include "TerminalScreen.h"
@@ -21,6 +22,24 @@ QString key(const IniFile &ini, const char *name)
     return ini.getString(kSection, QString::fromLatin1(name), QStringLiteral("<missing>"));
 }
 
+// The terminal members of a screen in one line.
+QString describe(const TerminalScreen &s)
+{
+    return QStringLiteral(
+               "emu %1 bs %2 echo %3 fg %4 bg %5 filter %6 rows %7 cols %8 scroll %9 cursor %10 font %11")
+        .arg(s.Emulation())
+        .arg(s.Backspace())
+        .arg(int(s.Echo()))
+        .arg(s.ForeColor())
+        .arg(s.BackColor())
+        .arg(s.ColorFilter())
+        .arg(s.Rows())
+        .arg(s.Columns())
+        .arg(s.ScrollRows())
+        .arg(s.CursorType())
+        .arg(s.font().pointSizeF());
+}
+
 // The loaded terminal with a few lines on its screen.
 struct Window
 {
@@ -40,10 +59,6 @@ class MWTermTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void scrollLimit_data();
-    void scrollLimit();
-    void fontSizeValue_data();
-    void fontSizeValue();
     void dialogShowsTheControl();
     void okPassesToTheControlAndTheKeys();
     void cancelDropsTheChanges();
@@ -54,44 +69,6 @@ private slots:
     void loadWithoutEmulationOpensTheDialog();
     void controlWithoutPortIsReported();
 };
-
-void MWTermTest::scrollLimit_data()
-{
-    QTest::addColumn<int>("columns");
-    QTest::addColumn<int>("limit");
-    QTest::newRow("80") << 80 << 26843545;
-    QTest::newRow("132") << 132 << 16268815;
-    QTest::newRow("40") << 40 << 53687091;
-    QTest::newRow("2") << 2 << 1073741824;
-    QTest::newRow("1") << 1 << INT_MAX;
-    QTest::newRow("0") << 0 << INT_MAX;
-}
-
-void MWTermTest::scrollLimit()
-{
-    QFETCH(int, columns);
-    QFETCH(int, limit);
-    QCOMPARE(ScrollLimit(columns), limit);
-}
-
-void MWTermTest::fontSizeValue_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<double>("size");
-    QTest::newRow("default") << QStringLiteral("9.1") << 9.1;
-    QTest::newRow("whole") << QStringLiteral("12") << 12.0;
-    QTest::newRow("unit behind") << QStringLiteral(" 10.5pt") << 10.5;
-    QTest::newRow("fraction only") << QStringLiteral(".5") << 0.5;
-    QTest::newRow("no number") << QStringLiteral("large") << 0.0;
-    QTest::newRow("empty") << QString() << 0.0;
-}
-
-void MWTermTest::fontSizeValue()
-{
-    QFETCH(QString, text);
-    QFETCH(double, size);
-    QCOMPARE(FontSizeValue(text), size);
-}
 
 void MWTermTest::dialogShowsTheControl()
 {
@@ -106,26 +83,15 @@ void MWTermTest::dialogShowsTheControl()
     bool checked = false;
     whenModal([&](QWidget *dialog) {
         auto *d = qobject_cast<MWTerm *>(dialog);
-        QCOMPARE(d->windowTitle(), QStringLiteral("Terminal Emulation Settings"));
-        QCOMPARE(d->cmdFont->text(), QStringLiteral("Select Fo&nt"));
-        QStringList emulations, filters;
-        for (int i = 0; i < d->cbEmulation->count(); ++i)
-            emulations << d->cbEmulation->itemText(i);
-        for (int i = 0; i < d->cbScreenFilter->count(); ++i)
-            filters << d->cbScreenFilter->itemText(i);
-        QCOMPARE(emulations, QStringList({QStringLiteral("TTY"), QStringLiteral("VT-100")}));
-        QCOMPARE(filters, QStringList({QStringLiteral("Color"), QStringLiteral("Gray Scale"),
-                                       QStringLiteral("Monochrome")}));
-        QCOMPARE(d->cboForeColor->count(), 16);
-        QCOMPARE(d->cbEmulation->currentText(), QStringLiteral("TTY"));
-        QCOMPARE(d->cbScreenFilter->currentText(), QStringLiteral("Gray Scale"));
-        QCOMPARE(d->cboForeColor->currentIndex(), 14);
-        QCOMPARE(d->cboBackColor->currentIndex(), 0);
-        QCOMPARE(d->txtRows->value(), 25);
-        QCOMPARE(d->txtColumns->value(), 80);
-        QCOMPARE(d->txtScrollRows->value(), 409);
-        QCOMPARE(d->cboCursorType->currentIndex(), 1);
-        QCOMPARE(d->cboBackspace->currentIndex(), 1);
+        QVERIFY(matchesGolden(describeWindow(*d), QStringLiteral(VARNEL_GOLDEN "/MWTerm.txt")));
+        QStringList shown;
+        for (const QComboBox *list : {d->cbEmulation, d->cbScreenFilter, d->cboForeColor, d->cboBackColor,
+                                      d->cboCursorType, d->cboBackspace})
+            shown << list->currentText();
+        for (const QSpinBox *field : {d->txtRows, d->txtColumns, d->txtScrollRows})
+            shown << field->text();
+        QCOMPARE(shown.join(u','),
+                 QStringLiteral("TTY,Gray Scale,Yellow,Black,Block,Delete (127),25,80,409"));
         QVERIFY(d->chkEcho->isChecked());
         checked = true;
         d->cmdCancel->click();
@@ -155,16 +121,9 @@ void MWTermTest::okPassesToTheControlAndTheKeys()
     MWTerm dialog(w.rig.session, w.rig.ini);
     QVERIFY(dialog.SetTerminalSettings(w.screen()));
     TerminalScreen &s = w.screen();
-    QCOMPARE(s.Emulation(), 1);
-    QCOMPARE(s.ColorFilter(), 2);
-    QCOMPARE(s.ForeColor(), 10);
-    QCOMPARE(s.BackColor(), 0);
-    QCOMPARE(s.Rows(), 30);
-    QCOMPARE(s.Columns(), 40);
-    QCOMPARE(s.ScrollRows(), 1000);
-    QCOMPARE(s.CursorType(), 1);
-    QCOMPARE(s.Backspace(), 1);
-    QVERIFY(s.Echo());
+    QCOMPARE(
+        describe(s),
+        QStringLiteral("emu 1 bs 1 echo 1 fg 10 bg 0 filter 2 rows 30 cols 40 scroll 1000 cursor 1 font 9"));
 
     // The text stays on the screen through the change of size, without its trailing empty lines.
     QCOMPARE(s.rowText(0), QStringLiteral("first"));
@@ -175,27 +134,18 @@ void MWTermTest::okPassesToTheControlAndTheKeys()
     QCOMPARE(s.CursorRow(), 4);
     QCOMPARE(s.CursorCol(), 21);
 
-    const IniFile &ini = w.rig.ini;
-    QCOMPARE(key(ini, "Emulation"), QStringLiteral("1"));
-    QCOMPARE(key(ini, "Backspace"), QStringLiteral("1"));
-    QCOMPARE(key(ini, "Echo(Duplex)"), QStringLiteral("True"));
-    QCOMPARE(key(ini, "ForeColor"), QStringLiteral("10"));
-    QCOMPARE(key(ini, "BackColor"), QStringLiteral("0"));
-    QCOMPARE(key(ini, "ScreenFilter"), QStringLiteral("2"));
-    QCOMPARE(key(ini, "Rows"), QStringLiteral("30"));
-    QCOMPARE(key(ini, "Columns"), QStringLiteral("40"));
-    QCOMPARE(key(ini, "ScrollRows"), QStringLiteral("1000"));
-    QCOMPARE(key(ini, "FontName"), s.font().family());
-    QCOMPARE(key(ini, "Fontsize"), QStringLiteral("9"));
-    QCOMPARE(key(ini, "FontBold"), QStringLiteral("False"));
-    QCOMPARE(key(ini, "FontItalic"), QStringLiteral("False"));
-    QCOMPARE(key(ini, "CursorType"), QStringLiteral("1"));
+    QVERIFY(readBytes(w.rig.ini.path())
+                .endsWith(
+                    "[Terminal_Phone]\r\nEmulation=1\r\nBackspace=1\r\nEcho(Duplex)=True\r\nForeColor=10\r\n"
+                    "BackColor=0\r\nScreenFilter=2\r\nRows=30\r\nColumns=40\r\nScrollRows=1000\r\nFontName=" +
+                    s.font().family().toUtf8() +
+                    "\r\nFontsize=9\r\nFontBold=False\r\nFontItalic=False\r\nCursorType=1\r\n"));
 }
 
 void MWTermTest::cancelDropsTheChanges()
 {
     Window w;
-    const TermSettings before = TermSettingsOf(w.screen());
+    const TermSettings before = w.screen().settings();
     whenModal([](QWidget *dialog) {
         auto *d = qobject_cast<MWTerm *>(dialog);
         d->txtColumns->setValue(20);
@@ -204,7 +154,7 @@ void MWTermTest::cancelDropsTheChanges()
     });
     MWTerm dialog(w.rig.session, w.rig.ini);
     QVERIFY(!dialog.SetTerminalSettings(w.screen()));
-    QVERIFY(TermSettingsOf(w.screen()) == before);
+    QVERIFY(w.screen().settings() == before);
     QVERIFY(!w.rig.ini.hasKey(kSection, QStringLiteral("Emulation")));
     QCOMPARE(w.screen().rowText(2), QString(60, u'w'));
 }
@@ -256,13 +206,9 @@ void MWTermTest::sectionIsNotReadAtStart()
 {
     Window w(
         "[Terminal_Phone]\r\nEmulation=1\r\nRows=30\r\nColumns=40\r\nForeColor=2\r\nEcho(Duplex)=True\r\n");
-    TerminalScreen &s = w.screen();
-    QCOMPARE(s.Emulation(), 2);
-    QCOMPARE(s.Rows(), 25);
-    QCOMPARE(s.Columns(), 80);
-    QCOMPARE(s.ForeColor(), 15);
-    QCOMPARE(s.BackColor(), 1);
-    QVERIFY(!s.Echo());
+    QCOMPARE(
+        describe(w.screen()),
+        QStringLiteral("emu 2 bs 0 echo 0 fg 15 bg 1 filter 0 rows 25 cols 80 scroll 409 cursor 0 font 9"));
     QVERIFY(w.rig.prompts.verify());
 }
 
@@ -278,20 +224,12 @@ void MWTermTest::loadTerminalSettingsReadsTheSection()
     MWTerm dialog(w.rig.session, w.rig.ini);
     dialog.LoadTerminalSettings(w.screen());
     TerminalScreen &s = w.screen();
-    QCOMPARE(s.Emulation(), 1);
-    QCOMPARE(s.Backspace(), 1);
-    QVERIFY(s.Echo());
-    QCOMPARE(s.ForeColor(), 14);
-    QCOMPARE(s.BackColor(), 0);
-    QCOMPARE(s.ColorFilter(), 0); // ScreenFilter is written, never read back
-    QCOMPARE(s.Rows(), 20);
-    QCOMPARE(s.Columns(), 40);
-    QCOMPARE(s.ScrollRows(), 99);
+    // ScreenFilter is written, never read back.
+    QCOMPARE(
+        describe(s),
+        QStringLiteral("emu 1 bs 1 echo 1 fg 14 bg 0 filter 0 rows 20 cols 40 scroll 99 cursor 1 font 11.5"));
     QCOMPARE(s.font().family(), QStringLiteral("Nowhere Sans"));
-    QCOMPARE(s.font().pointSizeF(), 11.5);
-    QVERIFY(s.font().bold());
-    QVERIFY(!s.font().italic()); // "1" is not true
-    QCOMPARE(s.CursorType(), 1);
+    QVERIFY(s.font().bold() && !s.font().italic());
     QVERIFY(s.AutoSize());
     QCOMPARE(s.AutoScroll(), 4);
     QCOMPARE(w.rig.port.RThreshold(), 0);
@@ -303,7 +241,7 @@ void MWTermTest::loadTerminalSettingsReadsTheSection()
     // A missing ScrollRows takes the limit for the width.
     Window wide("[Terminal_Phone]\r\nEmulation=2\r\nColumns=132\r\n");
     MWTerm(wide.rig.session, wide.rig.ini).LoadTerminalSettings(wide.screen());
-    QCOMPARE(wide.screen().ScrollRows(), ScrollLimit(132));
+    QCOMPARE(wide.screen().ScrollRows(), scrollRowsLimit(132));
     QCOMPARE(wide.screen().Columns(), 132);
     QCOMPARE(wide.screen().font().pointSizeF(), 9.1);
 }

@@ -1,6 +1,5 @@
 #include "TermEmulator.h"
-
-#include <QTest>
+#include "Tables.h"
 
 namespace {
 
@@ -22,89 +21,92 @@ QStringList visibleState(TermEmulator &emu)
     return state;
 }
 
+// The scroll-back and the screen down to the last row with text, and the cursor.
+QString dump(const TermEmulator &emu)
+{
+    QStringList rows;
+    for (int row = -emu.scrollbackLines(); row < emu.rows(); ++row)
+        rows << emu.rowText(row);
+    while (!rows.isEmpty() && rows.last().isEmpty())
+        rows.removeLast();
+    return rows.join(u'|') + QStringLiteral(" @%1,%2").arg(emu.cursorRow()).arg(emu.cursorColumn());
+}
+
+// Bytes as received on a screen of the given size and scroll-back, and what it shows then.
+struct ScreenCase
+{
+    const char *name;
+    int rows;
+    int columns;
+    int scrollLimit;
+    bool tty;
+    const char *bytes;
+    const char *shown;
+};
+
+const ScreenCase kScreenCases[] = {
+    {"line ends", 25, 80, 409, false, "hello\r\nworld", "hello|world @1,5"},
+    {"bare line feed and return", 25, 80, 409, false, "ab\ncd\rX", "ab|X cd @1,1"},
+    {"wrap", 5, 10, 409, false, "aaaaaaaaaabbbbb", "aaaaaaaaaa|bbbbb @1,5"},
+    {"full row then line end", 5, 10, 409, false, "cccccccccc\r\nnext", "cccccccccc|next @1,4"},
+    {"erase and position", 25, 80, 409, false,
+     "garbage on the first row\r\n\x1b[2J\x1b[3;5HX\x1b[1;1Habcdef\x1b[4D\x1b[K", "ab||    X @0,2"},
+    {"backspace", 25, 80, 409, false, "abc\b\bZ", "aZc @0,2"},
+    {"tab", 25, 80, 409, false, "a\tT", "a       T @0,9"},
+    {"bell and controls", 25, 80, 409, false, "a\ab", "ab @0,2"},
+    {"scroll region", 5, 20, 409, false, "top\r\n\x1b[2;4r\x1b[4;1Ha\r\nb\r\nc\r\nd", "top|b|c|d @3,1"},
+    {"scroll-back", 3, 20, 409, false, "1\r\n2\r\n3\r\n4\r\n5", "1|2|3|4|5 @2,1"},
+    {"scroll-back limit", 3, 20, 2, false, "1\r\n2\r\n3\r\n4\r\n5\r\n6", "2|3|4|5|6 @2,1"},
+    {"no scroll-back", 3, 20, 0, false, "1\r\n2\r\n3\r\n4", "2|3|4 @2,1"},
+    {"split utf-8 and attributes", 25, 80, 409, false, "\x1b[3;7Hx\x1b[1mbold\xc3\xa9!",
+     "||      xbold\u00e9! @2,13"},
+    {"wide characters", 25, 80, 409, false, "\xe6\x97\xa5\xe6\x9c\xac!", "\u65e5\u672c! @0,5"},
+    {"tty shows sequences", 25, 80, 409, true, "\x1b[2Jab\x1b[1mc\xe9", "[2Jab[1mc\u00e9 @0,10"},
+    {"tty keeps the basic controls", 25, 80, 409, true, "ab\bc\td\r\ne", "ac      d|e @1,1"},
+};
+
 } // namespace
 
 class TermEmulatorTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void lineEndsAndWrap();
-    void controlSequences();
+    void screens_data() { addRows(kScreenCases); }
+    void screens();
     void colorsAndAttributes();
-    void scrollbackKeepsLinesThatLeaveTheTop();
-    void scrollbackHasItsLimit();
     void scrollLimitShrinksFromTheOldestLine();
     void fastStreamMatchesByteByByte_data();
     void fastStreamMatchesByteByByte();
     void fastStreamIsPassedOverOnlyWhenPlain();
-    void sequencesSplitAcrossWrites();
-    void ttyShowsSequencesAsText();
-    void ttyFilter_data();
-    void ttyFilter();
+    void processInSlices();
+    void ttyFilters_data();
+    void ttyFilters();
     void clearScreenKeepsScrollback();
     void resizeEmptiesTheScreen();
     void bellsAndDamage();
     void cursorKeys();
-    void wideCharacters();
 };
 
-void TermEmulatorTest::lineEndsAndWrap()
+void TermEmulatorTest::screens()
 {
-    TermEmulator emu(25, 80);
-    emu.write("hello\r\nworld");
-    emu.process();
-    QCOMPARE(emu.rowText(0), QStringLiteral("hello"));
-    QCOMPARE(emu.rowText(1), QStringLiteral("world"));
-    QCOMPARE(emu.cursorRow(), 1);
-    QCOMPARE(emu.cursorColumn(), 5);
-
-    // A bare line feed keeps the column; a bare carriage return overwrites.
-    emu.write("\nabc\rX");
-    emu.process();
-    QCOMPARE(emu.rowText(2), QStringLiteral("X    abc"));
-
-    // 85 characters wrap after the 80th.
-    TermEmulator wrap(25, 80);
-    wrap.write(QByteArray(80, 'a') + QByteArray(5, 'b'));
-    wrap.process();
-    QCOMPARE(wrap.rowText(0), QString(80, u'a'));
-    QCOMPARE(wrap.rowText(1), QStringLiteral("bbbbb"));
-    QCOMPARE(wrap.cursorRow(), 1);
-
-    // Exactly 80 characters and CR LF make one row, not two.
-    TermEmulator exact(25, 80);
-    exact.write(QByteArray(80, 'c') + "\r\nnext");
-    exact.process();
-    QCOMPARE(exact.rowText(1), QStringLiteral("next"));
-}
-
-void TermEmulatorTest::controlSequences()
-{
-    TermEmulator emu(25, 80);
-    emu.write("garbage on the first row\r\n\x1b[2J\x1b[3;5HX\x1b[1;1Habcdef\x1b[4D\x1b[K");
-    emu.process();
-    QCOMPARE(emu.rowText(0), QStringLiteral("ab"));
-    QCOMPARE(emu.rowText(1), QString());
-    QCOMPARE(emu.rowText(2), QStringLiteral("    X"));
-    QCOMPARE(emu.cursorRow(), 0);
-    QCOMPARE(emu.cursorColumn(), 2);
-
-    emu.write("abc\b\bZ");
-    emu.process();
-    QCOMPARE(emu.rowText(0), QStringLiteral("abaZc"));
-
-    emu.write("\x1b[10;1H\tT");
-    emu.process();
-    QCOMPARE(emu.rowText(9), QStringLiteral("        T"));
-
-    // A scroll region moves only its own rows and pushes nothing into the scroll-back.
-    TermEmulator region(5, 20);
-    region.write("top\r\n\x1b[2;4r\x1b[4;1Ha\r\nb\r\nc\r\nd");
-    region.process();
-    QCOMPARE(region.rowText(0), QStringLiteral("top"));
-    QCOMPARE(region.rowText(1), QStringLiteral("b"));
-    QCOMPARE(region.rowText(3), QStringLiteral("d"));
-    QCOMPARE(region.scrollbackLines(), 0);
+    const ScreenCase &c = fetchRow(kScreenCases);
+    const QByteArray bytes = c.bytes;
+    // At once, and a byte at a time: pieces may split sequences and characters anywhere.
+    TermEmulator whole(c.rows, c.columns);
+    TermEmulator trickle(c.rows, c.columns);
+    for (TermEmulator *emu : {&whole, &trickle}) {
+        emu->setEmulation(c.tty ? TermEmulation::Tty : TermEmulation::Vt100);
+        emu->setScrollLimit(c.scrollLimit);
+    }
+    whole.write(c.tty ? ::ttyFilter(bytes) : bytes);
+    whole.process();
+    for (const char b : bytes) {
+        trickle.write(c.tty ? ::ttyFilter(QByteArray(1, b)) : QByteArray(1, b));
+        trickle.process();
+    }
+    QCOMPARE(dump(whole), QString::fromUtf8(c.shown));
+    if (!c.tty)
+        QCOMPARE(dump(trickle), dump(whole));
 }
 
 void TermEmulatorTest::colorsAndAttributes()
@@ -126,44 +128,6 @@ void TermEmulatorTest::colorsAndAttributes()
     QCOMPARE(cells[3].attrs, quint8(TermCell::Underline));
     QVERIFY(cells[0].sameLook(cells[4]));
     QVERIFY(!cells[0].sameLook(cells[1]));
-}
-
-void TermEmulatorTest::scrollbackKeepsLinesThatLeaveTheTop()
-{
-    TermEmulator emu(25, 80);
-    emu.write(numberedLines(1, 30));
-    emu.process();
-    // 30 line ends on 25 rows: the cursor rests on an empty bottom row, six lines went up.
-    QCOMPARE(emu.scrollbackLines(), 6);
-    QCOMPARE(emu.rowText(-6), QStringLiteral("line 1"));
-    QCOMPARE(emu.rowText(-1), QStringLiteral("line 6"));
-    QCOMPARE(emu.rowText(0), QStringLiteral("line 7"));
-    QCOMPARE(emu.rowText(23), QStringLiteral("line 30"));
-    QCOMPARE(emu.rowText(24), QString());
-    QCOMPARE(emu.rowText(-7), QString());
-    QCOMPARE(emu.takeScrolledLines(), 6);
-}
-
-void TermEmulatorTest::scrollbackHasItsLimit()
-{
-    TermEmulator emu(5, 40);
-    emu.setScrollLimit(10);
-    for (int i = 1; i <= 100; ++i) {
-        emu.write(numberedLines(i, i));
-        emu.process();
-    }
-    QCOMPARE(emu.scrollbackLines(), 10);
-    // 100 lines, the last four on screen above the empty cursor row, and ten above those.
-    QCOMPARE(emu.rowText(0), QStringLiteral("line 97"));
-    QCOMPARE(emu.rowText(-1), QStringLiteral("line 96"));
-    QCOMPARE(emu.rowText(-10), QStringLiteral("line 87"));
-
-    TermEmulator none(5, 40);
-    none.setScrollLimit(0);
-    none.write(numberedLines(1, 20));
-    none.process();
-    QCOMPARE(none.scrollbackLines(), 0);
-    QCOMPARE(none.rowText(0), QStringLiteral("line 17"));
 }
 
 void TermEmulatorTest::scrollLimitShrinksFromTheOldestLine()
@@ -258,16 +222,8 @@ void TermEmulatorTest::fastStreamIsPassedOverOnlyWhenPlain()
     QCOMPARE(coloured.rowText(23), QStringLiteral("line 5000"));
 }
 
-void TermEmulatorTest::sequencesSplitAcrossWrites()
+void TermEmulatorTest::processInSlices()
 {
-    TermEmulator emu(25, 80);
-    const QByteArray bytes = "\x1b[3;7Hx\x1b[1mbold\xc3\xa9!";
-    for (const char c : bytes) {
-        emu.write(QByteArrayView(&c, 1));
-        emu.process();
-    }
-    QCOMPARE(emu.rowText(2), QStringLiteral("      xbold\u00e9!"));
-
     // A limited slice leaves the rest for the next call.
     TermEmulator sliced(25, 80);
     sliced.write("\x1b[1mabcdef");
@@ -277,17 +233,7 @@ void TermEmulatorTest::sequencesSplitAcrossWrites()
     QCOMPARE(sliced.rowText(0), QStringLiteral("abcdef"));
 }
 
-void TermEmulatorTest::ttyShowsSequencesAsText()
-{
-    TermEmulator emu(25, 80);
-    emu.setEmulation(TermEmulation::Tty);
-    emu.write(TtyFilter("\x1b[2Jab\x1b[1mc\xe9"));
-    emu.process();
-    QCOMPARE(emu.rowText(0), QStringLiteral("[2Jab[1mc\u00e9"));
-    QCOMPARE(emu.cursorKeyBytes(Qt::Key_Up), QByteArray());
-}
-
-void TermEmulatorTest::ttyFilter_data()
+void TermEmulatorTest::ttyFilters_data()
 {
     QTest::addColumn<QByteArray>("input");
     QTest::addColumn<QByteArray>("output");
@@ -303,11 +249,11 @@ void TermEmulatorTest::ttyFilter_data()
                                 << QByteArray("x");
 }
 
-void TermEmulatorTest::ttyFilter()
+void TermEmulatorTest::ttyFilters()
 {
     QFETCH(QByteArray, input);
     QFETCH(QByteArray, output);
-    QCOMPARE(TtyFilter(input), output);
+    QCOMPARE(::ttyFilter(input), output);
 }
 
 void TermEmulatorTest::clearScreenKeepsScrollback()
@@ -380,19 +326,8 @@ void TermEmulatorTest::cursorKeys()
     QCOMPARE(emu.cursorKeyBytes(Qt::Key_Down), QByteArray("\x1bOB"));
     QCOMPARE(emu.cursorKeyBytes(Qt::Key_F5), QByteArray());
     QCOMPARE(emu.takeOutput(), QByteArray());
-}
-
-void TermEmulatorTest::wideCharacters()
-{
-    TermEmulator emu(25, 80);
-    emu.write("\xe6\x97\xa5\xe6\x9c\xac!");
-    emu.process();
-    std::vector<TermCell> cells;
-    emu.rowCells(0, cells);
-    QCOMPARE(cells[0].ch, U'\u65e5');
-    QCOMPARE(cells[1].ch, char32_t(0));
-    QCOMPARE(emu.rowText(0), QStringLiteral("\u65e5\u672c!"));
-    QCOMPARE(emu.cursorColumn(), 5);
+    emu.setEmulation(TermEmulation::Tty);
+    QCOMPARE(emu.cursorKeyBytes(Qt::Key_Up), QByteArray());
 }
 
 QTEST_GUILESS_MAIN(TermEmulatorTest)

@@ -5,6 +5,7 @@
 #include "ModemSession.h"
 #include "ScriptedModem.h"
 #include "ScriptedPrompts.h"
+#include "SessionRig.h"
 #include "TimeSource.h"
 
 #include <QApplication>
@@ -27,10 +28,14 @@ inline void whenModal(std::function<void(QWidget *)> fn)
     timer->start(0);
 }
 
-inline QByteArray readFile(const QString &path)
+// The writes to the port, each as "ms:bytes", joined by " | ".
+inline QString wire(const MemoryCommControl &port)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+    QStringList lines;
+    for (const WireEvent &e : port.events())
+        if (e.kind == WireEvent::Kind::Write)
+            lines << QStringLiteral("%1:%2").arg(e.atMs).arg(SessionRig::shown(e.bytes));
+    return lines.join(QStringLiteral(" | "));
 }
 
 // The in-memory port, scripted modem and prompts, and a settings file with a complete port section,

@@ -1,7 +1,6 @@
 #include "TerminalScreen.h"
 #include "AppError.h"
 #include "MemoryCommControl.h"
-#include "TermPalette.h"
 
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -18,28 +17,11 @@ QByteArray lines(int from, int to)
     return bytes;
 }
 
-// The colour the screen painted in the middle of a cell.
-QColor cellColor(TerminalScreen &screen, int row, int column)
+// The selected columns and the cursor of a row as the renderer gets them.
+QString marks(const TerminalScreen &screen, int row)
 {
-    screen.flush();
-    const QImage image = screen.viewport()->grab().toImage();
-    const QSize cell = screen.cellSize();
-    return image.pixelColor(column * cell.width() + cell.width() / 2, row * cell.height() + 1);
-}
-
-// Whether any pixel of the cell differs from the cell's corner, i.e. a glyph was drawn.
-bool cellHasInk(TerminalScreen &screen, int row, int column)
-{
-    screen.flush();
-    const QImage image = screen.viewport()->grab().toImage();
-    const QSize cell = screen.cellSize();
-    const QRect rect(column * cell.width(), row * cell.height(), cell.width(), cell.height());
-    const QRgb corner = image.pixel(rect.topLeft());
-    for (int y = rect.top(); y <= rect.bottom(); ++y)
-        for (int x = rect.left(); x <= rect.right(); ++x)
-            if (image.pixel(x, y) != corner)
-                return true;
-    return false;
+    const RowLook look = screen.rowLook(row);
+    return QStringLiteral("%1-%2 cursor %3").arg(look.selFrom).arg(look.selTo).arg(look.cursorColumn);
 }
 
 } // namespace
@@ -48,70 +30,24 @@ class TerminalScreenTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void keyAscii_data();
-    void keyAscii();
     void defaults();
     void screenTextAndCursor();
     void sizeChangeKeepsTheText();
     void scrollbackView();
     void selectionWithTheMouse();
     void selectionFollowsScrolledText();
-    void paintsColoursThroughTheFilter();
-    void paintsTextAndCursor();
     void bellOncePerRepaint();
     void captureThroughTheScreen();
     void longStreamKeepsTheLimit();
     void detachedScreenSendsNothing();
 };
 
-void TerminalScreenTest::keyAscii_data()
-{
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("modifiers");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("ascii");
-    QTest::newRow("letter") << int(Qt::Key_A) << 0 << QStringLiteral("a") << 97;
-    QTest::newRow("shifted") << int(Qt::Key_A) << int(Qt::ShiftModifier) << QStringLiteral("A") << 65;
-    QTest::newRow("backspace") << int(Qt::Key_Backspace) << 0 << QStringLiteral("\b") << 8;
-    QTest::newRow("enter") << int(Qt::Key_Return) << 0 << QStringLiteral("\r") << 13;
-    QTest::newRow("keypad enter") << int(Qt::Key_Enter) << 0 << QString() << 13;
-    QTest::newRow("escape") << int(Qt::Key_Escape) << 0 << QStringLiteral("\x1b") << 27;
-    QTest::newRow("tab") << int(Qt::Key_Tab) << 0 << QStringLiteral("\t") << 9;
-    QTest::newRow("ctrl-c") << int(Qt::Key_C) << int(Qt::ControlModifier) << QString() << 3;
-    QTest::newRow("ctrl-z") << int(Qt::Key_Z) << int(Qt::ControlModifier) << QString() << 26;
-    QTest::newRow("ctrl-[") << int(Qt::Key_BracketLeft) << int(Qt::ControlModifier) << QString() << 27;
-    QTest::newRow("ctrl-1") << int(Qt::Key_1) << int(Qt::ControlModifier) << QString() << -1;
-    QTest::newRow("latin-1") << int(Qt::Key_Eacute) << 0 << QStringLiteral("\u00e9") << 0xE9;
-    QTest::newRow("beyond latin-1") << int(Qt::Key_unknown) << 0 << QStringLiteral("\u20ac") << -1;
-    QTest::newRow("delete") << int(Qt::Key_Delete) << 0 << QStringLiteral("\x7f") << -1;
-    QTest::newRow("insert") << int(Qt::Key_Insert) << int(Qt::ShiftModifier) << QString() << -1;
-    QTest::newRow("function") << int(Qt::Key_F4) << 0 << QString() << -1;
-    QTest::newRow("cursor") << int(Qt::Key_Left) << 0 << QString() << -1;
-}
-
-void TerminalScreenTest::keyAscii()
-{
-    QFETCH(int, key);
-    QFETCH(int, modifiers);
-    QFETCH(QString, text);
-    QFETCH(int, ascii);
-    QCOMPARE(KeyAscii(key, Qt::KeyboardModifiers(modifiers), text), ascii);
-}
-
 void TerminalScreenTest::defaults()
 {
     TerminalScreen screen;
-    QCOMPARE(screen.objectName(), QStringLiteral("Comm1"));
-    QCOMPARE(screen.Emulation(), 2);
-    QCOMPARE(screen.Rows(), 25);
-    QCOMPARE(screen.Columns(), 80);
-    QCOMPARE(screen.ScrollRows(), 409);
-    QCOMPARE(screen.ForeColor(), 15);
-    QCOMPARE(screen.BackColor(), 1);
-    QCOMPARE(screen.ColorFilter(), 0);
-    QCOMPARE(screen.CursorType(), 0);
-    QCOMPARE(screen.Backspace(), 0);
-    QVERIFY(!screen.Echo());
+    TermSettings expected;
+    expected.font = screen.font();
+    QVERIFY(screen.settings() == expected);
     QCOMPARE(screen.font().family(), QStringLiteral("Terminal"));
     QCOMPARE(screen.CaptureMode(), 3);
     QCOMPARE(screen.CaptureFilename(), QString());
@@ -221,9 +157,13 @@ void TerminalScreenTest::selectionWithTheMouse()
     QTest::mouseRelease(screen.viewport(), Qt::LeftButton, {}, at(1, 4));
     QCOMPARE(screen.SelText(), QStringLiteral("rssi\r\nRSSI"));
     QCOMPARE(screen.SelLength(), 10);
-    // Selected cells are painted reversed.
-    QCOMPARE(cellColor(screen, 0, 5), PaletteColor(15));
-    QCOMPARE(cellColor(screen, 0, 2), PaletteColor(1));
+    // The renderer gets the selected columns of each row, and the cursor where it stands.
+    QCOMPARE(marks(screen, 0), QStringLiteral("4-80 cursor -1"));
+    QCOMPARE(marks(screen, 1), QStringLiteral("0-4 cursor -1"));
+    QCOMPARE(marks(screen, 2), QStringLiteral("-1--1 cursor 0"));
+    screen.receive("\x1b[?25l");
+    screen.flush();
+    QCOMPARE(marks(screen, 2), QStringLiteral("-1--1 cursor -1"));
 
     // Backwards works the same; a click alone selects nothing.
     screen.select(1, 4, 0, 4);
@@ -241,50 +181,6 @@ void TerminalScreenTest::selectionFollowsScrolledText()
     screen.receive(lines(11, 40));
     screen.flush();
     QCOMPARE(screen.SelText(), QStringLiteral("line 3"));
-}
-
-void TerminalScreenTest::paintsColoursThroughTheFilter()
-{
-    TerminalScreen screen;
-    screen.resize(screen.sizeHint());
-    screen.receive("\x1b[5;1H\x1b[41m  \x1b[0m");
-    QCOMPARE(cellColor(screen, 0, 0), PaletteColor(1));
-    // The modem's own colours come from the emulation's palette.
-    const QColor red = cellColor(screen, 4, 0);
-    QVERIFY(red.red() > 150 && red.green() == 0 && red.blue() == 0);
-
-    screen.setBackColor(4);
-    QCOMPARE(cellColor(screen, 0, 0), QColor(128, 0, 0));
-    screen.setColorFilter(1);
-    const QColor gray = cellColor(screen, 0, 0);
-    QCOMPARE(gray.red(), gray.green());
-    QCOMPARE(gray.green(), gray.blue());
-    QCOMPARE(gray.red(), qGray(qRgb(128, 0, 0)));
-    screen.setColorFilter(2);
-    QCOMPARE(cellColor(screen, 0, 0), QColor(Qt::black));
-    screen.setBackColor(15);
-    screen.setForeColor(0);
-    QCOMPARE(cellColor(screen, 0, 0), QColor(Qt::white));
-
-    QCOMPARE(FilterColors(Qt::red, Qt::blue, ColorFilter::Color).fg, QColor(Qt::red));
-    QCOMPARE(PaletteColor(17), PaletteColor(1));
-    QCOMPARE(PaletteColorNames().size(), 16);
-}
-
-void TerminalScreenTest::paintsTextAndCursor()
-{
-    TerminalScreen screen;
-    screen.resize(screen.sizeHint());
-    screen.receive("\x1b[?25lAB");
-    QVERIFY(cellHasInk(screen, 0, 0));
-    QVERIFY(cellHasInk(screen, 0, 1));
-    QVERIFY(!cellHasInk(screen, 0, 2));
-    screen.receive("\x1b[?25h");
-    QVERIFY(cellHasInk(screen, 0, 2)); // the underline cursor
-    screen.setCursorType(TerminalScreen::CursorBlock);
-    QCOMPARE(cellColor(screen, 0, 2), PaletteColor(15));
-    screen.receive("\x1b[?25l");
-    QCOMPARE(cellColor(screen, 0, 2), PaletteColor(1));
 }
 
 void TerminalScreenTest::bellOncePerRepaint()

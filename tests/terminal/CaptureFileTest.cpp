@@ -91,6 +91,7 @@ void CaptureFileTest::standardText_data()
     QTest::newRow("tab") << QByteArray("a\tb\r\n") << QByteArray("a       b\r\n");
     QTest::newRow("tab on a stop") << QByteArray("abcdefgh\tb\r\n") << QByteArray("abcdefgh        b\r\n");
     QTest::newRow("trailing blanks") << QByteArray("ab   \r\n") << QByteArray("ab\r\n");
+    QTest::newRow("blanks only") << QByteArray(" \r\n") << QByteArray("\r\n");
     QTest::newRow("bare line feed keeps column") << QByteArray("ab\ncd\r\n") << QByteArray("ab\r\n  cd\r\n");
     QTest::newRow("unfinished prompt") << QByteArray("ok\r\nCMD:") << QByteArray("ok\r\nCMD:");
     QTest::newRow("sequences") << QByteArray("\x1b[1ma\x1b[0mb\x1b[K\r\n") << QByteArray("ab\r\n");

@@ -1,5 +1,9 @@
 #include "WholeFile.h"
 
+#include "AppError.h"
+
+#include <QDir>
+#include <QFileInfo>
 #include <QSaveFile>
 
 WholeFileResult writeWholeFile(const QString &path, const QByteArray &bytes, QString *reason)
@@ -17,4 +21,18 @@ WholeFileResult writeWholeFile(const QString &path, const QByteArray &bytes, QSt
     if (file.write(bytes) != bytes.size() || !file.commit())
         return failed(WholeFileResult::WriteFailed);
     return WholeFileResult::Written;
+}
+
+void saveWholeFile(const QString &path, const QByteArray &bytes)
+{
+    switch (writeWholeFile(path, bytes)) {
+    case WholeFileResult::Written:
+        return;
+    case WholeFileResult::CannotOpen:
+        if (!QFileInfo(path).absoluteDir().exists())
+            throw AppError{AppErrors::PathNotFound, QStringLiteral("Path not found")};
+        throw AppError{AppErrors::PathFileAccess, QStringLiteral("Path/File access error")};
+    case WholeFileResult::WriteFailed:
+        throw AppError{AppErrors::DeviceIo, QStringLiteral("Device I/O error")};
+    }
 }

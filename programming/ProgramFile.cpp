@@ -137,14 +137,5 @@ ProgramFileContents readProgramFile(const QString &path)
 
 void writeProgramFile(const QString &path, const QStringList &lines)
 {
-    switch (writeWholeFile(path, programFileText(lines))) {
-    case WholeFileResult::Written:
-        return;
-    case WholeFileResult::CannotOpen:
-        if (!folderOf(path))
-            throw AppError{AppErrors::PathNotFound, QStringLiteral("Path not found")};
-        throw AppError{AppErrors::PathFileAccess, QStringLiteral("Path/File access error")};
-    case WholeFileResult::WriteFailed:
-        throw AppError{AppErrors::DeviceIo, QStringLiteral("Device I/O error")};
-    }
+    saveWholeFile(path, programFileText(lines));
 }

@@ -3,6 +3,7 @@
 #include "AppError.h"
 #include "BusyPointer.h"
 #include "CommControl.h"
+#include "Diagnostic.h"
 #include "FlashProgress.h"
 #include "IniFile.h"
 #include "ModemSession.h"
@@ -98,11 +99,13 @@ MainMenu::MainMenu(ModemSession &session, IniFile &ini, QWidget *parent)
     connect(cmdTermEm, &QPushButton::clicked, this, &MainMenu::cmdTermEm_Click);
     connect(cmdProductInfo, &QPushButton::clicked, this, &MainMenu::cmdProductInfo_Click);
     connect(cmdExit, &QPushButton::clicked, this, &MainMenu::cmdExit_Click);
+    openDiagnostics = [this] { showDiagnostics(); };
 }
 
 MainMenu::~MainMenu()
 {
     m_ini.onTrouble = nullptr;
+    delete m_diagnostic;
     delete m_programming;
     delete m_terminal;
 }
@@ -115,6 +118,25 @@ Terminal *MainMenu::terminal() const
 ProgrammingMenu *MainMenu::programmingMenu() const
 {
     return m_programming;
+}
+
+Diagnostic *MainMenu::diagnostic() const
+{
+    return m_diagnostic;
+}
+
+void MainMenu::showDiagnostics()
+{
+    m_diagnostic = new Diagnostic(m_session);
+    m_diagnostic->setAttribute(Qt::WA_DeleteOnClose);
+    // The introduction's setting lives with the other settings of the program, on Terminal.
+    m_diagnostic->hideDiag = [this] { return m_terminal && m_terminal->Settings.hideDiag; };
+    m_diagnostic->setHideDiag = [this](bool hide) {
+        if (m_terminal)
+            m_terminal->Settings.hideDiag = hide;
+    };
+    connect(m_diagnostic, &Diagnostic::returnedToMainMenu, this, &MainMenu::sectionEnded);
+    m_diagnostic->open();
 }
 
 QPushButton *MainMenu::addCommand(const char *name, const QString &caption, const QString &toolTip)

@@ -11,6 +11,7 @@ class QLabel;
 class QPushButton;
 class Terminal;
 class ProgrammingMenu;
+class Diagnostic;
 
 // "Varnel Utility - Main Menu": six commands; one visible section at a time. The main menu loads the
 // hidden Terminal form, the carrier of the port, before anything else can run.
@@ -26,6 +27,7 @@ public:
 
     Terminal *terminal() const;
     ProgrammingMenu *programmingMenu() const;
+    Diagnostic *diagnostic() const;
 
     // Sections built later hook in here; a button whose section is missing stays disabled.
     std::function<void()> openStartingOut;
@@ -65,9 +67,11 @@ private:
     void updateSections();
     // The terminal's entries that lead to the modem's own procedures.
     void wireModemScreens();
+    void showDiagnostics();
 
     ModemSession &m_session;
     IniFile &m_ini;
     QPointer<Terminal> m_terminal;
     QPointer<ProgrammingMenu> m_programming;
+    QPointer<Diagnostic> m_diagnostic;
 };

@@ -1,0 +1,114 @@
+#pragma once
+
+#include "DiagnosticReport.h"
+#include "DiagnosticShell.h"
+#include "PortClaim.h"
+
+#include <QMainWindow>
+#include <QPointer>
+#include <functional>
+
+class Comments;
+class DiagInfo;
+class DiagNewAdd;
+class DiagSetup;
+class ModemSession;
+class PollingDiag;
+class QAction;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class TestData;
+class ViewDiag;
+
+// The status of a test is the caption and colours of its label; a test reads the label to decide.
+enum class TestStatus { NotTested, NotAvailable, Running, Completed };
+void setTestStatus(QLabel *label, TestStatus status);
+
+// "Varnel Diagnostic Testing": the modem under test, the test address list, the four test panels and
+// the running report. It lives while the test screens come and go and hands back to the main menu.
+class Diagnostic : public QMainWindow
+{
+    Q_OBJECT
+public:
+    explicit Diagnostic(ModemSession &session, QWidget *parent = nullptr);
+    ~Diagnostic() override;
+
+    // The Hide Diag setting, kept by the shell.
+    std::function<bool()> hideDiag;
+    std::function<void(bool)> setHideDiag;
+
+    // From the main menu, at the prompt: the report opens, the modem is read, the introduction or the
+    // address dialog follows.
+    void open();
+    void Load();
+    // Appends a line to the report.
+    void AddData(const QString &line);
+    const DiagnosticReport &report() const { return m_report; }
+    QStringList addresses() const;
+    ModemSession &session() const { return m_session; }
+
+    bool TestRunning = false;
+    bool DiagClosing = false;
+    bool RunRss = false, RunInterference = false, RunDq = false, RunPolling = false;
+    ModemUnderTest UnderTest;
+
+    QLabel *lblModel, *lblVersion, *lblSerial;
+    QListWidget *lstAdds;
+    QPushButton *cmdNewAdd, *cmdDelAdd;
+    QLabel *lblRSS, *lblInter, *lblDQ, *lblPolling;
+    QPushButton *cmdRSS, *cmdInter, *cmdDQ, *cmdPolling;
+    QLineEdit *txtPackSize;
+    QPushButton *cmdStop;
+    QAction *mnuView, *mnuSave, *mnuSavedFile, *mnuSaveAdds, *mnuExit;
+    QAction *mnuAll, *mnuRSS, *mnuInterference, *mnuDQ, *mnuPolling, *mnuRTNRepTest;
+
+    TestData *testData() const;
+    DiagSetup *diagSetup() const;
+    DiagNewAdd *diagNewAdd() const;
+    DiagInfo *diagInfo() const;
+    PollingDiag *pollingDiag() const;
+    ViewDiag *viewDiag() const;
+    Comments *comments() const;
+
+    void showDiagNewAdd();
+    // The progress dialog of a test, shown beside the screens.
+    DiagInfo *showDiagInfo(const QString &title);
+    void showComments();
+    // The report form in front, in its normal state.
+    void showReport();
+    // Back to the main menu's hands: the report form has closed with the diagnostics.
+    void unloadTestForms();
+
+    void mnuPolling_Click();
+    void mnuSave_Click();
+    void mnuSaveAdds_Click();
+    void mnuOpenList_Click();
+    void mnuSavedFile_Click();
+    void cmdDelAdd_Click();
+    void cmdCancel_Click();
+
+signals:
+    void returnedToMainMenu();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void buildScreen();
+    void buildMenus();
+    void setAvailability(const TestAvailability &available);
+
+    ModemSession &m_session;
+    DiagnosticReport m_report;
+    PortClaim m_port;
+    QPointer<TestData> m_testData;
+    QPointer<DiagSetup> m_setup;
+    QPointer<DiagNewAdd> m_newAdd;
+    QPointer<DiagInfo> m_info;
+    QPointer<PollingDiag> m_polling;
+    QPointer<ViewDiag> m_view;
+    QPointer<Comments> m_comments;
+    bool m_closeAfterTest = false;
+};

@@ -99,8 +99,9 @@ void PollingRun::StartPolling()
     if (ReportNumber == 0)
         ReportNumber = 1;
     TimeSource &time = m_session.time();
+    // A row that cannot be laid out is left out, as every failure inside the loop is passed over.
     if (ReportNumber == 1)
-        addRow(PollingRows::start(time.timeText(), time.dateText()));
+        ignoreErrors([&] { addRow(PollingRows::start(time.timeText(), time.dateText())); });
     // Every call starts the report again from the first row: a resume drops the rows before it.
     ReportText = rows.value(0);
     send("txs\r");
@@ -118,7 +119,7 @@ void PollingRun::StartPolling()
     for (LinkRecord &link : links)
         if (!link.LinkUp)
             CalcDownTime(link, time.Timer());
-    addRow(PollingRows::stop(time.timeText(), time.dateText()));
+    ignoreErrors([&] { addRow(PollingRows::stop(time.timeText(), time.dateText())); });
     StopRequested = false;
     if (stopped)
         stopped();
@@ -139,7 +140,7 @@ void PollingRun::pause(bool marked)
     }
     StopLoop = true;
     TimeSource &time = m_session.time();
-    addRow(PollingRows::pause(time.timeText(), time.dateText()));
+    ignoreErrors([&] { addRow(PollingRows::pause(time.timeText(), time.dateText())); });
 }
 
 PollingRun::Prompt PollingRun::promptCheck()
@@ -147,7 +148,8 @@ PollingRun::Prompt PollingRun::promptCheck()
     send(kCtrlC);
     if (!waitFor("CMD:", 3000)) {
         TimeSource &time = m_session.time();
-        addRow(PollingRows::noResponse(ReportNumber, time.timeText(), time.dateText()));
+        ignoreErrors(
+            [&] { addRow(PollingRows::noResponse(ReportNumber, time.timeText(), time.dateText())); });
         ++ReportNumber;
         SkipNextPoll = true;
         return Prompt::Silent;

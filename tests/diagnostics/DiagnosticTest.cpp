@@ -108,7 +108,7 @@ private slots:
         Rig rig(false);
         QCOMPARE(
             rig.diag->report().text(),
-            QStringLiteral("Varnel Diagnostics\r\n\r\nTesting Start:  23 Nov 2026   08:15:00\r\n\r\n"
+            QStringLiteral("Varnel Diagnostics\r\n\r\nTesting Start:  2026-11-23   08:15\r\n\r\n"
                            "Varnel Model Q40U\r\nSerial Number=  Q40U14210\r\nFirmware Version=  1.52\r\n"
                            "Operating Frequency= 457.6 MHz\r\n"));
         QCOMPARE(rig.diag->lblModel->text() + rig.diag->lblSerial->text(), QStringLiteral("Q40UQ40U14210"));
@@ -217,6 +217,41 @@ private slots:
         QVERIFY(rig.prompts.verify());
     }
 
+    // The polling test from its button: stopped from its screen, it finishes its poll, asks about the
+    // report, writes it, restores the modem and marks the test completed; the comments follow.
+    void pollingFromTheScreen()
+    {
+        Rig rig;
+        rig.diag->lstAdds->addItem(QStringLiteral("12"));
+        rig.diag->txtPackSize->setText(QStringLiteral("20"));
+        rig.link->time().after(30000, [&] {
+            QVERIFY(rig.diag->TestRunning);
+            QCOMPARE(rig.diag->lblPolling->text(), QStringLiteral("Running"));
+            rig.diag->pollingDiag()->cmdStop->click();
+            QVERIFY(rig.diag->pollingDiag()->isVisible());
+        });
+        rig.prompts
+            .expectMsgBox(QStringLiteral("Do You Wish To Add All Reports To The Diagnostic Testing Data?\r"
+                                         "The Totals Will be Added to the Report Automatically."),
+                          MsgAnswer::Yes)
+            .withTitle(QStringLiteral("Add Data to Report"))
+            .withButtons(MsgButtons::YesNo);
+        rig.diag->cmdPolling->click();
+        QVERIFY(rig.prompts.verify());
+        QVERIFY(!rig.diag->TestRunning && !rig.diag->pollingDiag()->isVisible());
+        QCOMPARE(rig.diag->lblPolling->text(), QStringLiteral("Completed"));
+        const QStringList report = rig.diag->report().text().split(QStringLiteral("\r\n"));
+        const qsizetype at = report.indexOf(QStringLiteral("Polling Diagnostic Results - Complete\r"));
+        QVERIFY(at > 0);
+        QVERIFY(report[at + 3].startsWith(QLatin1String(" Start Test")));
+        QVERIFY(report[at + 4].startsWith(QLatin1String("     1               12          Link Down")));
+        QCOMPARE(report.filter(QStringLiteral("Test Packet Size = 20")).size(), 1);
+        QCOMPARE(rig.link->local().value(QStringLiteral("MESSFORM")), QStringLiteral("OFF"));
+        rig.diag->comments()->Text1->setText(QStringLiteral("Mast at 12 was down"));
+        rig.diag->comments()->Command1->click();
+        QVERIFY(rig.diag->report().text().endsWith(QLatin1String("Comments:\r\nMast at 12 was down\r\n")));
+    }
+
     // Closing the report asks first; closing the screen asks only about saving and hands back.
     void closing()
     {
@@ -245,5 +280,12 @@ private slots:
     }
 };
 
-QTEST_MAIN(DiagnosticTest)
+// Times and dates in one fixed short format whatever the machine's locale: "2026-11-23", "08:15".
+int main(int argc, char *argv[])
+{
+    qputenv("LC_ALL", "sv_SE.UTF-8");
+    QApplication app(argc, argv);
+    DiagnosticTest test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "DiagnosticTest.moc"

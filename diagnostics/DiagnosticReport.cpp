@@ -28,7 +28,7 @@ QByteArray rtfEscaped(QStringView line)
         else if (u >= 0x20 && u < 0x80)
             out += char(u);
         else if (u >= 0x80 && u < 0x100)
-            out += "\\'" + QByteArray::number(u, 16).rightJustified(2, '0');
+            out += "\\'" + QByteArray::number(u, 16);
         else if (u >= 0x100)
             out += "\\u" + QByteArray::number(qint16(u)) + '?';
     }

@@ -151,6 +151,7 @@ private slots:
                  QStringLiteral("Varnel Model Q40\r\nSerial Number=  Q40\r\nFirmware Version=  \r\n"
                                 "Operating Frequency= -90 MHz\r\n"));
         QVERIFY(!m.HasRssOption);
+        QCOMPARE(m.SquelchText, QStringLiteral("0"));
     }
 };
 

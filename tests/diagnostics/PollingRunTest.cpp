@@ -72,17 +72,19 @@ QString shape(const QString &row, const QString &date)
 }
 
 // Outcomes of the polls of address 12, the rows they leave (start and stop aside), the totals
-// "transmissions retries down time", and the beeps.
-const char *const kEvents[][5] = {
-    {"good poll leaves no row", "ok0", "", "1 0 00:00:00", "0"},
-    {"retries leave a row", "ok3 | ok0 | ok2", "1 12 3 T D | 2 12 2 T D", "3 5 00:00:00", "0"},
+// "transmissions retries down time", the beeps, and the milliseconds the run took: a packet without
+// an answer is waited for 160 times 100 ms.
+const char *const kEvents[][6] = {
+    {"good poll leaves no row", "ok0", "", "1 0 00:00:00", "0", "605"},
+    {"retries leave a row", "ok3 | ok0 | ok2", "1 12 3 T D | 2 12 2 T D", "3 5 00:00:00", "0", "1615"},
     {"no star after the connect", "noconn | noconn | ok0", "1 12 Link Down T D | 2 12 Link Up T D 00:00:02",
-     "0 0 00:00:02", "2"},
-    {"a failed packet", "ss03 | ok1", "1 12 Link Down T D | 2 12 Link Up T D 00:00:00", "0 0 00:00:00", "2"},
-    {"no answer to the packet counts nothing", "quiet | ok0", "", "1 0 00:00:00", "0"},
+     "0 0 00:00:02", "2", "4910"},
+    {"a failed packet", "ss03 | ok1", "1 12 Link Down T D | 2 12 Link Up T D 00:00:00", "0 0 00:00:00", "2",
+     "905"},
+    {"no answer to the packet counts nothing", "quiet | ok0", "", "1 0 00:00:00", "0", "16805"},
     {"a silent modem, then one poll skipped", "silent | ok0 | ok0 | ok0",
      "1 No Response From Modem - RS-232 Error T D | 2 12 Link Down T D | 3 12 Link Up T D 00:00:05",
-     "1 0 00:00:05", "2"},
+     "1 0 00:00:05", "2", "11310"},
 };
 
 // Three remotes: 12 over a lossy path, 13 whose path fails now and then, 14 behind 12. The modem at
@@ -159,7 +161,7 @@ private slots:
     void events_data() { addRows(kEvents); }
     void events()
     {
-        const auto &[name, outcomes, rows, totals, beeps] = fetchRow(kEvents);
+        const auto &[name, outcomes, rows, totals, beeps, ms] = fetchRow(kEvents);
         VirtualTime time;
         time.setOrigin(kStart);
         MemoryCommControl port;
@@ -172,6 +174,11 @@ private slots:
         run.TestPacket = QStringLiteral("0123456789");
         int polls = 0;
         run.pollingAddress = [&](const QString &) { modem.nextPoll(); };
+        QList<int> bar;
+        run.progressChanged = [&](int value) {
+            if (polls == 0)
+                bar << value;
+        };
         run.linkShown = [&](int, const QString &, const LinkRecord &) {
             if (++polls == items(outcomes).size())
                 run.StopPolling();
@@ -193,6 +200,10 @@ private slots:
         QCOMPARE(prompts.beeps(), QByteArray(beeps).toInt());
         QCOMPARE(run.ReportNumber, shaped.size() + 1);
         QCOMPARE(run.ReportText, run.rows.join(QStringLiteral("\r\n")));
+        // The bar of the first poll: connect, packet, acknowledgement, status, shown.
+        if (items(outcomes).first() == u"ok0")
+            QCOMPARE(bar, QList<int>({5, 10, 15, 20, 25, 95, 97, 99, 100}));
+        QCOMPARE(QString::number(time.elapsedMs()), QLatin1String(ms));
     }
 
     // The modem is prepared once: status messages, no echo, and the network and frame ack time kept

@@ -147,11 +147,6 @@ QMap<int, QPair<qint64, qint64>> truthTotals(const sim::GroundTruth &truth, int 
     return totals;
 }
 
-int seconds(const QString &clock)
-{
-    const QStringList parts = clock.split(u':');
-    return parts[0].toInt() * 3600 + parts[1].toInt() * 60 + parts[2].toInt();
-}
 } // namespace
 
 class PollingRunTest : public QObject
@@ -162,15 +157,11 @@ private slots:
     void events()
     {
         const auto &[name, outcomes, rows, totals, beeps, ms] = fetchRow(kEvents);
-        VirtualTime time;
+        SessionRig rig(CommControl::kAutoProcessProgram);
+        auto [time, prompts] = std::tie(rig.time, rig.prompts);
         time.setOrigin(kStart);
-        MemoryCommControl port;
-        port.setPortOpen(true);
-        port.setAutoProcess(CommControl::kAutoProcessProgram);
-        ScriptedPrompts prompts(&time);
-        ModemSession session(port, time, prompts);
-        PollScript modem(port, time, items(outcomes));
-        PollingRun run(session, [] { return QStringList{QStringLiteral("12")}; });
+        PollScript modem(rig.port, time, items(outcomes));
+        PollingRun run(rig.session, [] { return QStringList{QStringLiteral("12")}; });
         run.TestPacket = QStringLiteral("0123456789");
         int polls = 0;
         run.pollingAddress = [&](const QString &) { modem.nextPoll(); };
@@ -185,7 +176,6 @@ private slots:
         };
         bool stopped = false;
         run.stopped = [&] { stopped = true; };
-        run.ReportNumber = 0;
         run.StartPolling();
         QVERIFY(stopped);
         QStringList shaped;
@@ -290,7 +280,8 @@ private slots:
         QVERIFY(gap < 20000);
         // The last outage counts up to the stop.
         const qint64 truthSeconds = (5 * 60 + 90 + 30 * 60 + 5 * 60);
-        QVERIFY2(std::abs(seconds(run.links[1].DownText) - truthSeconds) <= 4 * 2 * gap / 1000,
+        QVERIFY2(std::abs(QTime(0, 0).secsTo(QTime::fromString(run.links[1].DownText)) - truthSeconds) <=
+                     4 * 2 * gap / 1000,
                  qPrintable(run.links[1].DownText));
         QCOMPARE(run.rows.filter(QRegularExpression(QStringLiteral("^ +\\d+ +13 +Link Down"))).size(), 4);
         QCOMPARE(run.rows.filter(QRegularExpression(QStringLiteral("^ +\\d+ +13 +Link Up"))).size(), 3);

@@ -10,6 +10,8 @@
 #include "ProgramFile.h"
 #include "ProgramTransfer.h"
 #include "Prompts.h"
+#include "RemoteAddress.h"
+#include "RemoteProgramming.h"
 
 #include <QCloseEvent>
 #include <QGridLayout>
@@ -126,11 +128,13 @@ void ProgrammingMenu::buildMenus()
     QMenu *mnuread = namedMenu(mnufile, "mnuread", QStringLiteral("&Read Program From Varnel"));
     connect(namedEntry(mnuread, "mnureadconn", QStringLiteral("Read from Connected Varnel")),
             &QAction::triggered, this, &ProgrammingMenu::readFromConnected);
-    later(namedEntry(mnuread, "mnureadremote", QStringLiteral("Read from Remote Varnel")));
+    connect(namedEntry(mnuread, "mnureadremote", QStringLiteral("Read from Remote Varnel")),
+            &QAction::triggered, this, &ProgrammingMenu::readFromRemote);
     QMenu *mnusave = namedMenu(mnufile, "mnusave", QStringLiteral("&Save Program To Varnel "));
     connect(namedEntry(mnusave, "mnuconnected", QStringLiteral("To Connected Varnel ")), &QAction::triggered,
             this, &ProgrammingMenu::downloadToConnected);
-    later(namedEntry(mnusave, "mnuremote", QStringLiteral("To Remote Varnel")));
+    connect(namedEntry(mnusave, "mnuremote", QStringLiteral("To Remote Varnel")), &QAction::triggered, this,
+            &ProgrammingMenu::downloadToRemote);
     connect(namedEntry(mnufile, "mnuclear", QStringLiteral("Clear Command List")), &QAction::triggered, this,
             &ProgrammingMenu::savePrompt);
     namedSeparator(mnufile, "mnudash11");
@@ -309,6 +313,58 @@ void ProgrammingMenu::readFromConnected()
 void ProgrammingMenu::downloadToConnected()
 {
     DownloadProgram(m_session, m_cmboedit->lines(), [this](int index) { m_cmboedit->setListIndex(index); });
+}
+
+void ProgrammingMenu::readFromRemote()
+{
+    savePrompt();
+    openRemoteAddress(kRemoteReadMode);
+}
+
+void ProgrammingMenu::downloadToRemote()
+{
+    if (m_cmboedit->count() == 0) {
+        m_session.prompts().MsgBox(
+            QStringLiteral("You Cannot Save.  There Are No Commands In The Command List."),
+            MsgButtons::OkOnly, MsgIcon::Exclamation);
+        return;
+    }
+    openRemoteAddress(kRemoteSaveMode);
+}
+
+void ProgrammingMenu::openRemoteAddress(const QString &mode)
+{
+    BusyPointer busy(m_session.prompts());
+    if (!PrepareRemoteModem(m_session))
+        return;
+    m_session.ProgMode = mode;
+    auto *form = new RemoteAddress(m_session, this);
+    form->linked = [this, mode] {
+        QStringList lines;
+        if (mode == kRemoteReadMode) {
+            ReadProgram(m_session, lines);
+            for (const QString &line : std::as_const(lines))
+                m_cmboedit->addLine(line);
+            return;
+        }
+        lines = m_cmboedit->lines();
+        RemoteDownload(m_session, lines, [this, &lines](int index) {
+            // The list shows what the walk has taken out of it so far.
+            showLines(lines);
+            m_cmboedit->setListIndex(index);
+        });
+        showLines(lines);
+    };
+    form->show();
+}
+
+void ProgrammingMenu::showLines(const QStringList &lines)
+{
+    if (m_cmboedit->lines() == lines)
+        return;
+    m_cmboedit->clear();
+    for (const QString &line : lines)
+        m_cmboedit->addLine(line);
 }
 
 void ProgrammingMenu::closeEvent(QCloseEvent *event)

@@ -57,6 +57,11 @@ private:
     void showCustomListing();
     void readFromConnected();
     void downloadToConnected();
+    void readFromRemote();
+    void downloadToRemote();
+    // Prepares the connected modem and opens the remote address form with the mode word.
+    void openRemoteAddress(const QString &mode);
+    void showLines(const QStringList &lines);
 
     ModemSession &m_session;
     QLabel *m_lblIntro;

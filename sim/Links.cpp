@@ -135,11 +135,17 @@ void Links::sendRemoteLine(const QString &line)
     // The line goes out over the air; the remote runs it; its answer comes back the same way.
     Network &network = *m_modem.network();
     const Network::Delivery there = network.send(m_modem, m_remoteRoute, int(line.size()) + 1);
-    m_modem.afterUnlessInterrupted(there.duration, [this, &network, there, line] {
-        if (m_modem.mode() != Modem::Mode::Remote)
-            return;
+    // A line on the air reaches the remote even if this unit is interrupted meanwhile; only the
+    // answer then finds nobody waiting for it.
+    m_modem.after(there.duration, [this, &network, there, line] {
         const RemoteAnswer answer =
             there.delivered ? there.destination->links().answerRemote(line) : RemoteAnswer{};
+        if (m_modem.mode() != Modem::Mode::Remote)
+            return;
+        if (!there.delivered) {
+            linkFailed();
+            return;
+        }
         if (answer.text.isEmpty()) {
             m_modem.console().done();
             return;
@@ -161,12 +167,25 @@ void Links::sendRemoteLine(const QString &line)
             m_modem.afterUnlessInterrupted(home.duration, [this, home, text] {
                 if (m_modem.mode() != Modem::Mode::Remote)
                     return;
-                if (home.delivered)
-                    m_modem.send(text);
+                if (!home.delivered) {
+                    linkFailed();
+                    return;
+                }
+                m_modem.send(text);
                 m_modem.console().done();
             });
         });
     });
+}
+
+void Links::linkFailed()
+{
+    // The retries are spent: the unit gives the link up and is back at its own prompt.
+    m_remoteRoute.clear();
+    m_modem.setMode(Modem::Mode::Command);
+    const QByteArray le = m_modem.lineEnd();
+    m_modem.send((messageForm(m_modem) ? "SS03" : "LINK FAILED") + le + "CMD:");
+    m_modem.console().done();
 }
 
 void Links::converseByte(char c)

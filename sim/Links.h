@@ -47,6 +47,8 @@ public:
 
 private:
     void sendPacket();
+    // A line or its answer did not get through: the programming link is given up.
+    void linkFailed();
 
     Modem &m_modem;
     QList<int> m_connectRoute; // of the converse partner

@@ -2,6 +2,7 @@
 
 #include "AppError.h"
 #include "BusyPointer.h"
+#include "ChooseFreqType.h"
 #include "CommControl.h"
 #include "Diagnostic.h"
 #include "FlashProgress.h"
@@ -12,6 +13,7 @@
 #include "PortClaim.h"
 #include "ProgrammingMenu.h"
 #include "Prompts.h"
+#include "RemoteAddress.h"
 #include "SetBaudS.h"
 #include "Terminal.h"
 #include "WorkingFileOpen.h"
@@ -174,7 +176,23 @@ void MainMenu::wireModemScreens()
     terminal->openSerialRate = [this] { mnuSerialS(m_session, m_terminal); };
     terminal->openPowerLevel = [this] { mnuPowerS(m_session, m_terminal); };
     terminal->showModelOptions = [this] { ShowModelOptions(m_session, m_terminal); };
+    terminal->openChooseFreqType = [this] { openChooseFreqType(); };
     terminal->hooksChanged();
+}
+
+void MainMenu::openChooseFreqType()
+{
+    auto *hub = new ChooseFreqType(m_session, m_terminal);
+    // The frequency screens reach a remote modem through the remote programming form.
+    hub->openRemoteAddress = [this, hub](std::function<void()> linked, std::function<void()> failed) {
+        auto *form = new RemoteAddress(m_session, hub);
+        form->linked = std::move(linked);
+        form->failed = std::move(failed);
+        form->focusOpener = [hub] { hub->activateWindow(); };
+        form->show();
+    };
+    hub->Load();
+    hub->show();
 }
 
 void MainMenu::sectionEnded()

@@ -56,6 +56,9 @@ public:
     void cmdProductInfo_Click();
     void cmdExit_Click();
 
+    // "Set Frequency/Squelch" on the terminal, the modem at its prompt: the frequency hub.
+    void openChooseFreqType();
+
     // A section hands back: the port goes back to the terminal and the main menu shows itself.
     void sectionEnded();
 

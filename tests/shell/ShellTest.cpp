@@ -1,8 +1,10 @@
+#include "ChooseFreqType.h"
 #include "Golden.h"
 #include "IniFile.h"
 #include "MWPort.h"
 #include "MainMenu.h"
 #include "ProgrammingMenu.h"
+#include "RemoteAddress.h"
 #include "SessionRig.h"
 #include "Terminal.h"
 #include "WorkingFileOpen.h"
@@ -211,6 +213,22 @@ private slots:
         s.modem.answer("\x03", "\r\nCMD:");
         s.menu.cmdDiags->click();
         QVERIFY(diagnostics && !s.menu.isVisible());
+
+        // The terminal's frequency entry opens the hub, which reaches a remote through the remote form.
+        for (const auto &[line, reply] : {std::pair{"Model\r", "MODEL    = Q4Z\r"},
+                                          {"Option\r", "OPTION   = 0\r"},
+                                          {"Version\r", "VERSION  = 1.52\r"},
+                                          {"s/n\r", "S/N      = 14210\r"}})
+            s.modem.answer(line, QByteArray(reply) + "CMD:");
+        s.menu.terminal()->mnusetfreq->trigger();
+        auto *hub = s.menu.terminal()->findChild<ChooseFreqType *>();
+        QVERIFY(hub && hub->isVisible() && hub->record.SerialNumber == 14210);
+        QCOMPARE(s.port.AutoProcess(), CommControl::kAutoProcessProgram);
+        hub->Command1[2]->click();
+        QCOMPARE(s.session.ProgMode, QStringLiteral("RemoteFreqS"));
+        QVERIFY(hub->findChild<RemoteAddress *>()->isVisible());
+        hub->close();
+        QCOMPARE(s.port.AutoProcess(), CommControl::kAutoProcessTerminal);
 
         s.menu.show();
         s.menu.cmdVnlPrg->click();

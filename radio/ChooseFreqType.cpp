@@ -1,0 +1,108 @@
+#include "ChooseFreqType.h"
+
+#include "BusyPointer.h"
+#include "FreqScreens.h"
+#include "ModemSession.h"
+#include "Named.h"
+#include "Prompts.h"
+
+#include <QCloseEvent>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+ChooseFreqType::ChooseFreqType(ModemSession &session, QWidget *parent)
+    : QWidget(parent, Qt::Window), m_session(session), m_port(session.Comm1(), PortClaim::Then::Terminal)
+{
+    setObjectName(QStringLiteral("ChooseFreqType"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    auto *layout = new QVBoxLayout(this);
+    const QString captions[] = {QStringLiteral("Set Frequency of &Local Varnel"),
+                                QStringLiteral("Set Frequency of &Remote Varnel"),
+                                QStringLiteral("Set Receiver &Squelch of Local Varnel"),
+                                QStringLiteral("&Display current frequency and Squelch settings")};
+    for (int i = 1; i <= 4; ++i) {
+        Command1[size_t(i)] =
+            named<QPushButton>(QStringLiteral("Command1(%1)").arg(i), captions[i - 1], this);
+        layout->addWidget(Command1[size_t(i)]);
+        connect(Command1[size_t(i)], &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
+    }
+    // The squelch screens are not part of the program yet.
+    Command1[3]->setEnabled(false);
+    cmdCancFreq = named<QPushButton>("cmdCancFreq", QStringLiteral("&Done"), this);
+    layout->addWidget(cmdCancFreq);
+    connect(cmdCancFreq, &QPushButton::clicked, this, &QWidget::close);
+}
+
+void ChooseFreqType::Load()
+{
+    readModemRecord(m_session, record);
+    setWindowTitle(QStringLiteral("Frequency Setting For Varnel Model ") + record.Model);
+    for (const Notice &warning : recordWarnings(record))
+        m_session.prompts().MsgBox(warning.text, MsgButtons::OkOnly, warning.icon, warning.title);
+}
+
+template <typename Screen> void ChooseFreqType::openScreen(ModemRecord &screenRecord)
+{
+    auto *screen = new Screen(m_session, screenRecord, this);
+    connect(screen, &FreqScreen::frequencySet, this, &ChooseFreqType::frequencySet);
+    connect(screen, &FreqScreen::left, this, &ChooseFreqType::showAgain);
+    screen->show();
+}
+
+void ChooseFreqType::Command1_Click(int index)
+{
+    BusyPointer busy(m_session.prompts());
+    if (!m_session.EnterCommandMode())
+        return;
+    const bool spread = record.Model == kSpreadModel;
+    switch (index) {
+    case 1:
+        if (spread)
+            openScreen<SpreadFreqSet>(record);
+        else
+            openScreen<TXRX>(record);
+        break;
+    case 2:
+        m_session.ProgMode = spread ? kRemoteFreqSMode : kRemoteFreqMode;
+        openRemote();
+        break;
+    case 4:
+        if (spread)
+            openScreen<ShowSpreadFreq>(record);
+        else
+            openScreen<DisplayCurrent>(record);
+        break;
+    }
+}
+
+void ChooseFreqType::openRemote()
+{
+    if (!openRemoteAddress)
+        return;
+    const bool spread = m_session.ProgMode == kRemoteFreqSMode;
+    openRemoteAddress(
+        [this, spread] {
+            if (spread)
+                openScreen<SpreadFreqSet>(record);
+            else
+                openScreen<RemoteFreqChange>(record);
+        },
+        [this] { showAgain(); });
+}
+
+void ChooseFreqType::frequencySet()
+{
+    close();
+}
+
+void ChooseFreqType::showAgain()
+{
+    show();
+    activateWindow();
+}
+
+void ChooseFreqType::closeEvent(QCloseEvent *event)
+{
+    m_port.release();
+    event->accept();
+}

@@ -7,6 +7,9 @@
 #include "ModemSession.h"
 #include "TextRules.h"
 
+#include <cmath>
+#include <limits>
+
 namespace {
 const QByteArray kCtrlC = QByteArrayLiteral("\x03");
 const QString kCall = QStringLiteral(" Please call Varnel Radio Works at 555-0142");
@@ -112,7 +115,7 @@ QString frequencyMask(const QString &model, FreqGrid grid)
 {
     if (model == u"Q4R")
         return QStringLiteral("##.###");
-    return grid == FreqGrid::Remote ? QStringLiteral("###.####") : QStringLiteral("###.#####");
+    return grid == FreqGrid::Local ? QStringLiteral("###.#####") : QStringLiteral("###.####");
 }
 
 QString frequencyText(double frequency)
@@ -194,4 +197,45 @@ QString SetSpreadChannel(ModemSession &session, int channel, bool remote)
         return QStringLiteral("The Local Frequency Is Set To ") + frequency;
     attempt(prompts, [&] { session.Comm1().Output(kCtrlC); });
     return QStringLiteral("The RemoteFrequency Is Set To ") + frequency;
+}
+
+const QList<CalculatorUnit> &calculatorUnits()
+{
+    static const QList<CalculatorUnit> units{
+        {"Q40U", "Q4U", false, "Q40U  450.1 to 470 MHz"},
+        {"Q40W", "Q4W", false, "Q40W  400 to 420 MHz"},
+        {"Q40Y", "Q4Y", false, "Q40Y  150 to 174 MHz"},
+        {"Q40R", "Q4R", false, "Q40R  72 to 73 MHz"},
+        {"Q40Combine", "Q4U", true, "Q40U  450.1 to 470 MHz"},
+        {"Q40Combine", "Q4Y", true, "Q40Y  150 to 174 MHz"},
+        {"Q40ULX", "Q4ULX", true, "Q40ULX  450.1 to 470 MHz"},
+    };
+    return units;
+}
+
+namespace {
+ModemRecord calculatorRecord(const CalculatorUnit &unit)
+{
+    ModemRecord record;
+    record.Model = QLatin1String(unit.model);
+    // A serial number on the right side of 12000 picks the scheme of the case style.
+    record.SerialNumber = unit.newCase ? 12000 : 11999;
+    takeRange(record);
+    return record;
+}
+} // namespace
+
+Notice calculatorCheck(const CalculatorUnit &unit, double frequency)
+{
+    ModemRecord record = calculatorRecord(unit);
+    if (record.Model == u"Q4R") {
+        record.FreqLow = -std::numeric_limits<float>::max();
+        record.FreqHigh = std::numeric_limits<float>::max();
+    }
+    return checkNewFrequency(record, frequency, FreqGrid::Calculator);
+}
+
+Latches calculatorLatches(const CalculatorUnit &unit, double frequency)
+{
+    return latchesFor(calculatorRecord(unit), frequency);
 }

@@ -64,7 +64,7 @@ Latches latchesFor(const ModemRecord &record, double frequency);
 QByteArray latchLine(const Latches &latches);
 // The frequency the unit's latches stand for, by its scheme.
 double frequencyOf(const ModemRecord &record, const Latches &latches);
-// The input mask of a new frequency on the local or remote screen.
+// The input mask of a new frequency on a screen.
 QString frequencyMask(const QString &model, FreqGrid grid);
 // A frequency as the screens show it.
 QString frequencyText(double frequency);
@@ -87,3 +87,17 @@ int spreadFrequency(int channel);
 // Sets and saves the channel of the connected or of a linked remote modem, then latches it (which
 // ends a remote link). Returns the box that reports it.
 QString SetSpreadChannel(ModemSession &session, int channel, bool remote);
+
+// The calculator's units: the model code, the case style and the caption with the band.
+struct CalculatorUnit
+{
+    const char *tag; // the program's own name of the unit
+    const char *model;
+    bool newCase; // new case units compute by the second scheme, old case by the first
+    const char *caption;
+};
+const QList<CalculatorUnit> &calculatorUnits();
+// The latches of a frequency for a unit without any modem: the refusal, as on the local screen but
+// for the calculator's grid and with no band for the Q40R, or the latches.
+Notice calculatorCheck(const CalculatorUnit &unit, double frequency);
+Latches calculatorLatches(const CalculatorUnit &unit, double frequency);

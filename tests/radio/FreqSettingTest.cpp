@@ -6,8 +6,10 @@
 #include "RemoteAddress.h"
 #include "ScriptedPrompts.h"
 #include "SessionRig.h"
+#include "SetModel.h"
 #include "SimulatedModemLink.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
@@ -118,6 +120,18 @@ const char *const kScreens[][5] = {
     {"RemoteFreqChange", "Q4R 0 11000", "2", "12", "0,0,16202"},
     {"SpreadFreqSet", "Q4Z 0 14000", "1", "", "7,0,0"},
     {"ShowSpreadFreq", "Q4Z 0 14000", "4", "", "11,0,0"},
+};
+
+// The calculator: the unit's option, what is typed, and the box or the title and latches N1, A1, N2.
+const char *const kCalculations[][4] = {
+    {"old case Q40Y, scheme A", "2", "150.0125", "Frequency Latches for Q4Y at 150.0125 MHz | 76 | 56 | 958"},
+    {"new case Q40Y, scheme B", "5", "150.0125", "Frequency Latches for Q4Y at 150.0125 MHz | 10498 | 0 | 0"},
+    {"old case Q40U", "0", "457.6", "Frequency Latches for Q4U at 457.6 MHz | 86 | 32 | 960"},
+    {"Q40R", "3", "72.02", "Frequency Latches for Q4R at 72.02 MHz | 0 | 0 | 16202"},
+    {"Q40R has no band here", "3", "80", "Frequency Latches for Q4R at 80 MHz | 0 | 0 | 17000"},
+    {"Q40R off its grid", "3", "72.01", "20"},
+    {"Q40Y off its grid", "2", "150.003", "6.25"},
+    {"Q40ULX out of its band", "6", "440", "range"},
 };
 
 sim::ModemProfile unit(const QString &fields)
@@ -264,6 +278,34 @@ private slots:
         QVERIFY(screen);
         QVERIFY(matchesGolden(describeWindow(*screen),
                               QStringLiteral(VARNEL_GOLDEN "/%1.txt").arg(QLatin1String(name))));
+    }
+
+    void calculator_data() { addRows(kCalculations); }
+    void calculator()
+    {
+        const auto &[name, option, typed, result] = fetchRow(kCalculations);
+        SessionRig rig(CommControl::kAutoProcessTerminal);
+        SetModel form(rig.session);
+        form.show();
+        if (QLatin1String(name) == u"Q40R")
+            QVERIFY(matchesGolden(describeWindow(form), QStringLiteral(VARNEL_GOLDEN "/SetModel.txt")));
+        form.optModel[QByteArray(option).toInt()]->setChecked(true);
+        form.MaskBoxtxt->setText(QLatin1String(typed));
+        if (!QByteArray(result).contains('|'))
+            expectBox(rig.prompts, QLatin1String(result));
+        form.cmdOK->click();
+        QVERIFY(rig.prompts.verify());
+        auto *display = form.findChild<DisplayLatches *>();
+        QCOMPARE(bool(display), QByteArray(result).contains('|'));
+        if (!display)
+            return;
+        QStringList shown{display->findChild<QLabel *>(QStringLiteral("lblTitle"))->text()};
+        for (int i = 0; i < 3; ++i)
+            shown << display->findChild<QLabel *>(QStringLiteral("lblLatch(%1)").arg(i))->text();
+        QCOMPARE(shown, items(result));
+        if (QLatin1String(name) == u"Q40R")
+            QVERIFY(
+                matchesGolden(describeWindow(*display), QStringLiteral(VARNEL_GOLDEN "/DisplayLatches.txt")));
     }
 
     void settings_data() { addRows(kSettings); }

@@ -5,6 +5,8 @@
 #include "ModemSession.h"
 #include "Named.h"
 #include "Prompts.h"
+#include "Squelch.h"
+#include "SquelchScreens.h"
 
 #include <QCloseEvent>
 #include <QPushButton>
@@ -26,8 +28,6 @@ ChooseFreqType::ChooseFreqType(ModemSession &session, QWidget *parent)
         layout->addWidget(Command1[size_t(i)]);
         connect(Command1[size_t(i)], &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
     }
-    // The squelch screens are not part of the program yet.
-    Command1[3]->setEnabled(false);
     cmdCancFreq = named<QPushButton>("cmdCancFreq", QStringLiteral("&Done"), this);
     layout->addWidget(cmdCancFreq);
     connect(cmdCancFreq, &QPushButton::clicked, this, &QWidget::close);
@@ -44,6 +44,10 @@ void ChooseFreqType::Load()
 template <typename Screen> void ChooseFreqType::openScreen(ModemRecord &screenRecord)
 {
     auto *screen = new Screen(m_session, screenRecord, this);
+    if (!screen->Load()) {
+        delete screen;
+        return;
+    }
     connect(screen, &FreqScreen::frequencySet, this, &ChooseFreqType::frequencySet);
     connect(screen, &FreqScreen::left, this, &ChooseFreqType::showAgain);
     screen->show();
@@ -66,12 +70,38 @@ void ChooseFreqType::Command1_Click(int index)
         m_session.ProgMode = spread ? kRemoteFreqSMode : kRemoteFreqMode;
         openRemote();
         break;
+    case 3:
+        squelch();
+        break;
     case 4:
         if (spread)
             openScreen<ShowSpreadFreq>(record);
         else
             openScreen<DisplayCurrent>(record);
         break;
+    }
+}
+
+void ChooseFreqType::squelch()
+{
+    const bool help =
+        m_session.prompts().MsgBox(QStringLiteral("Do you need help in setting your squelch level?"),
+                                   MsgButtons::YesNo, MsgIcon::None, QStringLiteral("Need Help?"),
+                                   2) == MsgAnswer::Yes;
+    if (record.Model == kSpreadModel) {
+        if (help)
+            SpreadSquelchWalk(m_session);
+        else
+            openScreen<SetSquelchS>(record);
+    } else if (record.OptNoiseSquelch) {
+        if (help)
+            openScreen<AutoSquelch>(record);
+        else
+            openScreen<SetSquelchHP>(record);
+    } else if (help) {
+        SquelchWalk(m_session);
+    } else {
+        openScreen<SetSquelch>(record);
     }
 }
 

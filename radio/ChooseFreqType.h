@@ -42,6 +42,8 @@ protected:
 
 private:
     void openRemote();
+    // The squelch: the walk with the user's help, or the slider screen of the unit.
+    void squelch();
     template <typename Screen> void openScreen(ModemRecord &screenRecord);
 
     ModemSession &m_session;

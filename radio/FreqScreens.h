@@ -18,6 +18,8 @@ class FreqScreen : public QWidget
     Q_OBJECT
 public:
     FreqScreen(ModemSession &session, ModemRecord &record, QWidget *parent);
+    // Reads what the screen needs before it is shown; false when it cannot open.
+    virtual bool Load() { return true; }
 
 signals:
     void frequencySet();

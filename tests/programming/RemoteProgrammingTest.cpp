@@ -30,6 +30,12 @@ const Box kBoxes[] = {
     {"refused", "Varnel reported error with this command.  Please verify command spelling and useage.",
      MsgIcon::Exclamation, ""},
     {"empty", "You Cannot Save.  There Are No Commands In The Command List.", MsgIcon::Exclamation, ""},
+    {"dongle? no",
+     "The Varnel is not detected on the selected comm port.  Would you like to initialize the IR Dongel?",
+     MsgIcon::None, ""},
+    {"switch: abort",
+     "Not communicating.  Make sure last switch on switch block (#8 or #2) is down.  Then reset.",
+     MsgIcon::Exclamation, ""},
     {"complete", "Remote Download Complete", MsgIcon::Information, ""},
 };
 
@@ -37,6 +43,7 @@ const Box kBoxes[] = {
 // route or the box, and whether the repeater fields are emptied.
 const char *const kRoutes[][4] = {
     {"destination alone", "12 |  |  | ", "12", ""},
+    {"destination 254", "254 |  |  | ", "254", ""},
     {"destination rounded, to even", "12.5 |  |  | ", "12", ""},
     {"destination rounds up to 255", "254.6 |  |  | ", "", "destination range"},
     {"one repeater", "12 | 40 |  | ", "40,12", ""},
@@ -81,6 +88,8 @@ const Flow kFlows[] = {
      PREP " | NET 12\\r | Prog 40,12\\r | he ch\\r | route\\r | append\\r | <03> | reset\\r",
      "ADDRESS 12 | NETWORK 12 | SQUELCH 60 | ROUTE 1,5,", ""},
     {"read: cancel leaves the local modem prepared", "", "mnureadremote", "", "cancel", "", PREP, "", ""},
+    {"read: the connected modem silent", "dead", "mnureadremote", "", "12", "dongle? no | switch: abort",
+     "<03> | <03>\\r | <03>", "", ""},
     {"read from an unknown address", "", "mnureadremote", "", "99", "no link", PREP " | Prog 99\\r", "", ""},
     {"read: bad route, nothing goes out", "", "mnureadremote", "", "12 |  |  | 42", "gap", PREP, "", ""},
     // The connected modem gives the link up at its own prompt: the read takes its words for the
@@ -127,8 +136,9 @@ sim::Scenario site(const QString &network)
         }
         s.modems << remote;
     }
+    s.modems[0].dead = network == u"dead";
     for (sim::ModemProfile &m : s.modems)
-        if (!network.isEmpty())
+        if (!network.isEmpty() && !s.modems[0].dead)
             m.settings[QStringLiteral("NETWORK")] = network;
     for (const auto &[from, to] :
          {std::pair{1, 12}, {1, 40}, {40, 41}, {41, 42}, {42, 12}, {40, 12}, {41, 12}})
@@ -141,7 +151,16 @@ void expectBoxes(ScriptedPrompts &prompts, const char *keys)
     for (const QString &key : items(keys)) {
         const Box &b = *std::find_if(std::begin(kBoxes), std::end(kBoxes),
                                      [&](const Box &x) { return key.startsWith(QLatin1String(x.key)); });
-        prompts.expectMsgBox(QLatin1String(b.text)).withIcon(b.icon).withTitle(QLatin1String(b.title));
+        const MsgAnswer answer = key.endsWith(u"no")      ? MsgAnswer::No
+                                 : key.endsWith(u"abort") ? MsgAnswer::Abort
+                                                          : MsgAnswer::Ok;
+        prompts.expectMsgBox(QLatin1String(b.text), answer)
+            .withIcon(b.icon)
+            .withTitle(QLatin1String(b.title))
+            .then([&prompts, key] {
+                // The pointer is back before the end of a download is told.
+                QVERIFY(!prompts.busy() || (key != u"refused" && key != u"complete"));
+            });
     }
 }
 

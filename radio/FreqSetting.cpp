@@ -67,8 +67,9 @@ int frequencyStep(const QString &model, int option, FreqGrid grid)
 {
     if (model == u"Q4R")
         return 20000;
+    // The calculator knows no option byte, so the 5 kHz grid never meets it.
     if (isVhf(model) && optionBitSet(option, Option5kHzSpacing))
-        return grid == FreqGrid::Calculator ? 0 : 5000;
+        return 5000;
     if (isVhf(model) || model == u"Q4U" || model == u"Q4ULX" || model == u"Q4W")
         return grid == FreqGrid::Remote ? 12500 : 6250;
     return 0;

@@ -163,6 +163,7 @@ void MainMenu::Load()
     m_terminal->Load();
     m_terminal->setVisible(false);
     connect(m_terminal, &Terminal::returnedToMainMenu, this, &MainMenu::sectionEnded);
+    connect(m_terminal, &Terminal::unloaded, this, &MainMenu::sectionEnded);
     wireModemScreens();
 }
 
@@ -240,6 +241,9 @@ void MainMenu::cmdVnlPrg_Click()
 void MainMenu::cmdTermEm_Click()
 {
     CommControl &comm = m_session.Comm1();
+    // A terminal closed by its window's button was unloaded: it loads again and reopens the port.
+    if (!m_terminal->isLoaded())
+        m_terminal->Load();
     m_terminal->setVisible(true);
     comm.Input();
     m_terminal->activateWindow();
@@ -268,8 +272,10 @@ void MainMenu::cmdExit_Click()
 void MainMenu::closeEvent(QCloseEvent *event)
 {
     // Unloading the main menu unloads Terminal, which closes the port and saves the settings.
-    if (m_terminal)
+    if (m_terminal) {
+        disconnect(m_terminal, &Terminal::unloaded, this, &MainMenu::sectionEnded);
         m_terminal->Unload();
+    }
     event->accept();
     QApplication::quit();
 }

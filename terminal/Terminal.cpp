@@ -19,6 +19,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QCloseEvent>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QKeyEvent>
@@ -220,6 +221,13 @@ void Terminal::Unload()
     collectButtons();
     SaveAppSettings(m_ini, Settings);
     emit unloaded();
+}
+
+void Terminal::closeEvent(QCloseEvent *event)
+{
+    // The window's close button unloads the form, as the program's own exit does.
+    Unload();
+    event->accept();
 }
 
 void Terminal::applyButtons()

@@ -43,6 +43,7 @@ public:
     void Load();
     // Closes an open capture, closes the port and saves the application settings; the program ends after it.
     void Unload();
+    bool isLoaded() const { return m_loaded; }
 
     // The title doubles as the port read-out: "COM1:9600,N,8,1".
     void setPortTitle();
@@ -115,12 +116,14 @@ public:
 signals:
     // The unload has begun: screens that belong to this form go first.
     void aboutToUnload();
+    // The unload is over; the main menu comes back.
     void unloaded();
     // "Exit to Main Menu": the window is hidden and the main menu takes over; the port stays open.
     void returnedToMainMenu();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
 
 private:
     void buildScreen();

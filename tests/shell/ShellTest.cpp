@@ -7,6 +7,7 @@
 #include "RemoteAddress.h"
 #include "SessionRig.h"
 #include "Terminal.h"
+#include "TerminalScreen.h"
 #include "WorkingFileOpen.h"
 #include "frmAbout.h"
 #include "frmSplash.h"
@@ -294,6 +295,29 @@ private slots:
         QVERIFY(
             readBytes(s.ini.path()).contains("Hide Intro=True\r\nHide Diag=False\r\nRepeater Setup=False"));
         QVERIFY(s.prompts.verify());
+    }
+
+    // The window's close button unloads the terminal as the exit does: the capture is closed with its
+    // beep and box, the port closed, the buttons saved, the main menu back; the next visit reconnects.
+    void closeButtonUnloadsTheTerminal()
+    {
+        Shell s;
+        s.menu.Load();
+        Terminal *terminal = s.menu.terminal();
+        terminal->Settings.hideIntro = true;
+        s.menu.cmdTermEm->click();
+        terminal->Comm1Screen->setCaptureFilename(s.dir.filePath(QStringLiteral("CAP.TXT")));
+        terminal->Btn[0]->setText(QStringLiteral("Call"));
+        terminal->Btn[0]->Tag = QStringLiteral("C 12\r");
+        s.prompts.expectMsgBox(QStringLiteral("Capture File Closed"));
+        QVERIFY(terminal->close());
+        QVERIFY(s.prompts.verify());
+        QCOMPARE(s.prompts.beeps(), 1);
+        QVERIFY(s.menu.isVisible() && !terminal->isVisible() && !s.port.PortOpen());
+        QVERIFY(terminal->Comm1Screen->CaptureFilename().isEmpty());
+        QVERIFY(readBytes(s.ini.path()).contains("1 - Call="));
+        s.menu.cmdTermEm->click();
+        QVERIFY(s.port.PortOpen() && terminal->isVisible() && !s.menu.isVisible());
     }
 
     void productInformation()

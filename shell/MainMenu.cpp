@@ -241,9 +241,11 @@ void MainMenu::cmdVnlPrg_Click()
 void MainMenu::cmdTermEm_Click()
 {
     CommControl &comm = m_session.Comm1();
-    // A terminal closed by its window's button was unloaded: it loads again and reopens the port.
+    // A terminal closed by its window's button loads again; one that lost its line reopens the port.
     if (!m_terminal->isLoaded())
         m_terminal->Load();
+    else
+        m_terminal->reconnect();
     m_terminal->setVisible(true);
     comm.Input();
     m_terminal->activateWindow();

@@ -35,6 +35,8 @@ ButtonDef::ButtonDef(const ButtonRow &buttons, int selected, QWidget *parent)
     AddCr->setObjectName(QStringLiteral("AddCr"));
     Quit = new QPushButton(QStringLiteral("&Quit"), this);
     Quit->setObjectName(QStringLiteral("Quit"));
+    // The default is the terminal button being edited, so Enter in a field never closes the dialog.
+    Quit->setAutoDefault(false);
     Note1 = new QLabel(
         QStringLiteral("Note1: A shortcut to the buttons is available by holding down the shift key "
                        "and pressing the function key for that button.   Example - Pressing Shift "

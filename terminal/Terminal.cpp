@@ -83,6 +83,14 @@ void Terminal::buildScreen()
     connect(Comm1Screen, &TerminalScreen::DblClick, this, &Terminal::Comm1_DblClick);
     connect(Comm1Screen, &TerminalScreen::bell, this, [this] { m_session.prompts().Beep(); });
     connect(&Comm1(), &CommControl::received, this, &Terminal::Comm1_Receive);
+    connect(&Comm1(), &CommControl::lineLost, this, &Terminal::Comm1_LineLost);
+    connect(&Comm1(), &CommControl::portOpenChanged, this, [this](bool open) {
+        if (open && m_lineLost) {
+            m_lineLost = false;
+            setPortTitle();
+            SetStatus(QStringLiteral("Port open again: ") + Comm1().deviceFor(Comm1().CommPort()));
+        }
+    });
 }
 
 void Terminal::buildMenus()
@@ -194,13 +202,33 @@ void Terminal::Load()
         port.SetPortSettings(Comm1());
     });
     setPortTitle();
+    openPort();
+    if (m_session.IrDongleActive)
+        mnudongle_Click();
+    m_loaded = true;
+}
+
+void Terminal::openPort()
+{
     attempt(m_session.prompts(), [&] {
         if (!Comm1().PortOpen())
             Comm1().setPortOpen(true);
     });
-    if (m_session.IrDongleActive)
-        mnudongle_Click();
-    m_loaded = true;
+}
+
+void Terminal::reconnect()
+{
+    if (m_lineLost)
+        openPort();
+}
+
+void Terminal::Comm1_LineLost(const QString &device)
+{
+    // The port stays closed until the user opens it again, so the user must see at once that it is.
+    m_lineLost = true;
+    setWindowTitle(QStringLiteral("COM%1: Line Lost (%2)").arg(Comm1().CommPort()).arg(device));
+    SetStatus(QStringLiteral("Line lost on ") + device +
+              QStringLiteral(": the port is closed. Open it again with Terminal Setup, Port..."));
 }
 
 void Terminal::Unload()
@@ -456,6 +484,9 @@ void Terminal::applyKeyRoute(const KeyRoute &route)
 {
     if (route.escPressed)
         m_session.EscPressed = true;
+    // Keys cannot reach a closed port; the user hears of it instead of losing them without a word.
+    if (!route.send.isEmpty() && !Comm1().PortOpen())
+        SetStatus(QStringLiteral("The port is closed: keys typed are not sent."));
     const QString selection = Comm1Screen->SelText();
     switch (route.edit) {
     case KeyRoute::Edit::Paste:

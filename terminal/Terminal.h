@@ -44,6 +44,8 @@ public:
     // Closes an open capture, closes the port and saves the application settings; the program ends after it.
     void Unload();
     bool isLoaded() const { return m_loaded; }
+    // Re-entering the window after the line was lost opens the port again.
+    void reconnect();
 
     // The title doubles as the port read-out: "COM1:9600,N,8,1".
     void setPortTitle();
@@ -133,11 +135,14 @@ private:
     void applyKeyRoute(const KeyRoute &route);
     void Comm1_DblClick();
     void Comm1_Receive();
+    void Comm1_LineLost(const QString &device);
+    void openPort();
     void openButtonDef(int index);
 
     ModemSession &m_session;
     IniFile &m_ini;
     bool m_loaded = false;
+    bool m_lineLost = false;
     QString m_lastStatus;
     std::map<int, QAction *> m_mFile;
     std::map<int, QAction *> m_mEdit;

@@ -480,8 +480,9 @@ void TerminalScreen::keyPressEvent(QKeyEvent *event)
     // A screen without a port (the settings sample) sends and echoes nothing.
     if (m_port && !route.send.isEmpty())
         ignoreErrors([&] { m_port->Output(route.send); });
+    // The echo is part of what the screen shows, so an open capture records it too.
     if (m_port && route.echo)
-        display(route.send);
+        receive(route.send);
     if (m_port && route.followCursor)
         bar->setValue(bar->maximum());
     emit keyRouted(route);

@@ -144,7 +144,7 @@ private:
         auto operator<=>(const CellPos &) const = default;
     };
 
-    // Puts bytes on the screen as if received, without capturing them (local echo, reflowed text).
+    // Puts bytes on the screen as if received, without capturing them (reflowed or replaced text).
     void display(QByteArrayView bytes);
     QByteArray shownBytes(const QByteArray &bytes) const;
     void relayout(int rows, int columns);

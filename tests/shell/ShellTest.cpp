@@ -234,7 +234,7 @@ private slots:
         s.menu.show();
         s.menu.cmdVnlPrg->click();
         QVERIFY(!s.menu.isVisible() && s.menu.programmingMenu()->isVisible());
-        emit s.menu.programmingMenu()->returnedToMainMenu();
+        s.menu.programmingMenu()->close();
         QVERIFY(s.menu.isVisible());
         QCOMPARE(s.port.AutoProcess(), CommControl::kAutoProcessTerminal);
         QVERIFY(s.prompts.verify());

@@ -7,11 +7,9 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFontDatabase>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
-#include <climits>
 
 namespace {
 
@@ -41,16 +39,12 @@ QString describe(const TerminalScreen &s)
 }
 
 // The loaded terminal with a few lines on its screen.
-struct Window
+struct Window : LoadedTerminal
 {
-    TerminalRig rig;
-    Terminal window{rig.session, rig.ini};
-    explicit Window(const QByteArray &moreSettings = {}) : rig(moreSettings)
+    explicit Window(const QByteArray &moreSettings = {}) : LoadedTerminal(moreSettings)
     {
-        window.Load();
         rig.port.feed("first\r\nsecond\r\n" + QByteArray(60, 'w') + "\r\n\r\n\r\n");
     }
-    TerminalScreen &screen() { return *window.Comm1Screen; }
 };
 
 } // namespace
@@ -59,227 +53,207 @@ class MWTermTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void dialogShowsTheControl();
-    void okPassesToTheControlAndTheKeys();
-    void cancelDropsTheChanges();
-    void fontDialog();
-    void changesAreTriedOnTheSample();
-    void sectionIsNotReadAtStart();
-    void loadTerminalSettingsReadsTheSection();
-    void loadWithoutEmulationOpensTheDialog();
-    void controlWithoutPortIsReported();
-};
+    void dialogShowsTheControl()
+    {
+        Window w;
+        w.screen().setEmulation(1);
+        w.screen().setForeColor(14);
+        w.screen().setBackColor(0);
+        w.screen().setColorFilter(1);
+        w.screen().setCursorType(1);
+        w.screen().setBackspace(1);
+        w.screen().setEcho(true);
+        bool checked = false;
+        whenModal([&](QWidget *dialog) {
+            auto *d = qobject_cast<MWTerm *>(dialog);
+            QVERIFY(matchesGolden(describeWindow(*d), QStringLiteral(VARNEL_GOLDEN "/MWTerm.txt")));
+            QStringList shown;
+            for (const QComboBox *list : {d->cbEmulation, d->cbScreenFilter, d->cboForeColor, d->cboBackColor,
+                                          d->cboCursorType, d->cboBackspace})
+                shown << list->currentText();
+            for (const QSpinBox *field : {d->txtRows, d->txtColumns, d->txtScrollRows})
+                shown << field->text();
+            QCOMPARE(shown.join(u','),
+                     QStringLiteral("TTY,Gray Scale,Yellow,Black,Block,Delete (127),25,80,409"));
+            QVERIFY(d->chkEcho->isChecked());
+            checked = true;
+            d->cmdCancel->click();
+        });
+        MWTerm dialog(w.rig.session, w.rig.ini);
+        QVERIFY(!dialog.SetTerminalSettings(w.screen()));
+        QVERIFY(checked);
+    }
 
-void MWTermTest::dialogShowsTheControl()
-{
-    Window w;
-    w.screen().setEmulation(1);
-    w.screen().setForeColor(14);
-    w.screen().setBackColor(0);
-    w.screen().setColorFilter(1);
-    w.screen().setCursorType(1);
-    w.screen().setBackspace(1);
-    w.screen().setEcho(true);
-    bool checked = false;
-    whenModal([&](QWidget *dialog) {
-        auto *d = qobject_cast<MWTerm *>(dialog);
-        QVERIFY(matchesGolden(describeWindow(*d), QStringLiteral(VARNEL_GOLDEN "/MWTerm.txt")));
-        QStringList shown;
-        for (const QComboBox *list : {d->cbEmulation, d->cbScreenFilter, d->cboForeColor, d->cboBackColor,
-                                      d->cboCursorType, d->cboBackspace})
-            shown << list->currentText();
-        for (const QSpinBox *field : {d->txtRows, d->txtColumns, d->txtScrollRows})
-            shown << field->text();
-        QCOMPARE(shown.join(u','),
-                 QStringLiteral("TTY,Gray Scale,Yellow,Black,Block,Delete (127),25,80,409"));
-        QVERIFY(d->chkEcho->isChecked());
-        checked = true;
-        d->cmdCancel->click();
-    });
-    MWTerm dialog(w.rig.session, w.rig.ini);
-    QVERIFY(!dialog.SetTerminalSettings(w.screen()));
-    QVERIFY(checked);
-}
+    void okPassesToTheControlAndTheKeys()
+    {
+        Window w;
+        whenModal([](QWidget *dialog) {
+            auto *d = qobject_cast<MWTerm *>(dialog);
+            d->cbEmulation->setCurrentIndex(0);
+            d->cbScreenFilter->setCurrentIndex(2);
+            d->cboForeColor->setCurrentIndex(10);
+            d->cboBackColor->setCurrentIndex(0);
+            d->txtRows->setValue(30);
+            d->txtColumns->setValue(40);
+            d->txtScrollRows->setValue(1000);
+            d->cboCursorType->setCurrentIndex(1);
+            d->cboBackspace->setCurrentIndex(1);
+            d->chkEcho->setChecked(true);
+            d->cmdOK->click();
+        });
+        MWTerm dialog(w.rig.session, w.rig.ini);
+        QVERIFY(dialog.SetTerminalSettings(w.screen()));
+        TerminalScreen &s = w.screen();
+        QCOMPARE(describe(s),
+                 QStringLiteral(
+                     "emu 1 bs 1 echo 1 fg 10 bg 0 filter 2 rows 30 cols 40 scroll 1000 cursor 1 font 9"));
 
-void MWTermTest::okPassesToTheControlAndTheKeys()
-{
-    Window w;
-    whenModal([](QWidget *dialog) {
-        auto *d = qobject_cast<MWTerm *>(dialog);
-        d->cbEmulation->setCurrentIndex(0);
-        d->cbScreenFilter->setCurrentIndex(2);
-        d->cboForeColor->setCurrentIndex(10);
-        d->cboBackColor->setCurrentIndex(0);
-        d->txtRows->setValue(30);
-        d->txtColumns->setValue(40);
-        d->txtScrollRows->setValue(1000);
-        d->cboCursorType->setCurrentIndex(1);
-        d->cboBackspace->setCurrentIndex(1);
-        d->chkEcho->setChecked(true);
-        d->cmdOK->click();
-    });
-    MWTerm dialog(w.rig.session, w.rig.ini);
-    QVERIFY(dialog.SetTerminalSettings(w.screen()));
-    TerminalScreen &s = w.screen();
-    QCOMPARE(
-        describe(s),
-        QStringLiteral("emu 1 bs 1 echo 1 fg 10 bg 0 filter 2 rows 30 cols 40 scroll 1000 cursor 1 font 9"));
+        // The text stays on the screen through the change of size, without its trailing empty lines.
+        QCOMPARE(s.rowText(0), QStringLiteral("first"));
+        QCOMPARE(s.rowText(1), QStringLiteral("second"));
+        QCOMPARE(s.rowText(2), QString(40, u'w'));
+        QCOMPARE(s.rowText(3), QString(20, u'w'));
+        QCOMPARE(s.rowText(4), QString());
+        QCOMPARE(s.CursorRow(), 4);
+        QCOMPARE(s.CursorCol(), 21);
 
-    // The text stays on the screen through the change of size, without its trailing empty lines.
-    QCOMPARE(s.rowText(0), QStringLiteral("first"));
-    QCOMPARE(s.rowText(1), QStringLiteral("second"));
-    QCOMPARE(s.rowText(2), QString(40, u'w'));
-    QCOMPARE(s.rowText(3), QString(20, u'w'));
-    QCOMPARE(s.rowText(4), QString());
-    QCOMPARE(s.CursorRow(), 4);
-    QCOMPARE(s.CursorCol(), 21);
-
-    QVERIFY(readBytes(w.rig.ini.path())
+        QVERIFY(
+            readBytes(w.rig.ini.path())
                 .endsWith(
                     "[Terminal_Phone]\r\nEmulation=1\r\nBackspace=1\r\nEcho(Duplex)=True\r\nForeColor=10\r\n"
                     "BackColor=0\r\nScreenFilter=2\r\nRows=30\r\nColumns=40\r\nScrollRows=1000\r\nFontName=" +
                     s.font().family().toUtf8() +
                     "\r\nFontsize=9\r\nFontBold=False\r\nFontItalic=False\r\nCursorType=1\r\n"));
-}
+    }
 
-void MWTermTest::cancelDropsTheChanges()
-{
-    Window w;
-    const TermSettings before = w.screen().settings();
-    whenModal([](QWidget *dialog) {
-        auto *d = qobject_cast<MWTerm *>(dialog);
-        d->txtColumns->setValue(20);
-        d->cboForeColor->setCurrentIndex(3);
-        d->cmdCancel->click();
-    });
-    MWTerm dialog(w.rig.session, w.rig.ini);
-    QVERIFY(!dialog.SetTerminalSettings(w.screen()));
-    QVERIFY(w.screen().settings() == before);
-    QVERIFY(!w.rig.ini.hasKey(kSection, QStringLiteral("Emulation")));
-    QCOMPARE(w.screen().rowText(2), QString(60, u'w'));
-}
+    void cancelDropsTheChanges()
+    {
+        Window w;
+        const TermSettings before = w.screen().settings();
+        whenModal([](QWidget *dialog) {
+            auto *d = qobject_cast<MWTerm *>(dialog);
+            d->txtColumns->setValue(20);
+            d->cboForeColor->setCurrentIndex(3);
+            d->cmdCancel->click();
+        });
+        MWTerm dialog(w.rig.session, w.rig.ini);
+        QVERIFY(!dialog.SetTerminalSettings(w.screen()));
+        QVERIFY(w.screen().settings() == before);
+        QVERIFY(!w.rig.ini.hasKey(kSection, QStringLiteral("Emulation")));
+        QCOMPARE(w.screen().rowText(2), QString(60, u'w'));
+    }
 
-void MWTermTest::fontDialog()
-{
-    Window w;
-    w.rig.prompts.expectFontDialog(FontChoice{w.screen().font().family(), 12.5, true, true});
-    w.rig.prompts.expectFontDialog(std::nullopt);
-    whenModal([](QWidget *dialog) {
-        auto *d = qobject_cast<MWTerm *>(dialog);
-        d->cmdFont->click();
-        d->cmdFont->click(); // cancelled: the first choice stands
-        d->cmdOK->click();
-    });
-    MWTerm dialog(w.rig.session, w.rig.ini);
-    QVERIFY(dialog.SetTerminalSettings(w.screen()));
-    QVERIFY(w.rig.prompts.verify());
-    QCOMPARE(w.screen().font().pointSizeF(), 12.5);
-    QVERIFY(w.screen().font().bold());
-    QCOMPARE(key(w.rig.ini, "Fontsize"), QStringLiteral("12.5"));
-    QCOMPARE(key(w.rig.ini, "FontBold"), QStringLiteral("True"));
-    QCOMPARE(key(w.rig.ini, "FontItalic"), QStringLiteral("True"));
-}
+    void fontDialog()
+    {
+        Window w;
+        w.rig.prompts.expectFontDialog(FontChoice{w.screen().font().family(), 12.5, true, true});
+        w.rig.prompts.expectFontDialog(std::nullopt);
+        whenModal([](QWidget *dialog) {
+            auto *d = qobject_cast<MWTerm *>(dialog);
+            d->cmdFont->click();
+            d->cmdFont->click(); // cancelled: the first choice stands
+            d->cmdOK->click();
+        });
+        MWTerm dialog(w.rig.session, w.rig.ini);
+        QVERIFY(dialog.SetTerminalSettings(w.screen()));
+        QVERIFY(w.rig.prompts.verify());
+        QCOMPARE(w.screen().font().pointSizeF(), 12.5);
+        QVERIFY(w.screen().font().bold());
+        QCOMPARE(key(w.rig.ini, "Fontsize"), QStringLiteral("12.5"));
+        QCOMPARE(key(w.rig.ini, "FontBold"), QStringLiteral("True"));
+        QCOMPARE(key(w.rig.ini, "FontItalic"), QStringLiteral("True"));
+    }
 
-void MWTermTest::changesAreTriedOnTheSample()
-{
-    Window w;
-    whenModal([&](QWidget *dialog) {
-        auto *d = qobject_cast<MWTerm *>(dialog);
-        TerminalScreen *sample = d->CommSample;
-        QCOMPARE(sample->rowText(0), QStringLiteral("CMD:model"));
-        d->cboBackColor->setCurrentIndex(4);
-        d->cbScreenFilter->setCurrentIndex(1);
-        QCOMPARE(sample->BackColor(), 4);
-        QCOMPARE(sample->ColorFilter(), 1);
-        // The TTY emulation shows the sample's sequences as text.
-        d->cbEmulation->setCurrentIndex(0);
-        QVERIFY(sample->rowText(2).contains(QStringLiteral("[1mbold")));
+    void changesAreTriedOnTheSample()
+    {
+        Window w;
+        whenModal([&](QWidget *dialog) {
+            auto *d = qobject_cast<MWTerm *>(dialog);
+            TerminalScreen *sample = d->CommSample;
+            QCOMPARE(sample->rowText(0), QStringLiteral("CMD:model"));
+            d->cboBackColor->setCurrentIndex(4);
+            d->cbScreenFilter->setCurrentIndex(1);
+            QCOMPARE(sample->BackColor(), 4);
+            QCOMPARE(sample->ColorFilter(), 1);
+            // The TTY emulation shows the sample's sequences as text.
+            d->cbEmulation->setCurrentIndex(0);
+            QVERIFY(sample->rowText(2).contains(QStringLiteral("[1mbold")));
+            QCOMPARE(w.screen().BackColor(), 1);
+            d->cmdCancel->click();
+        });
+        MWTerm dialog(w.rig.session, w.rig.ini);
+        dialog.SetTerminalSettings(w.screen());
         QCOMPARE(w.screen().BackColor(), 1);
-        d->cmdCancel->click();
-    });
-    MWTerm dialog(w.rig.session, w.rig.ini);
-    dialog.SetTerminalSettings(w.screen());
-    QCOMPARE(w.screen().BackColor(), 1);
-}
+    }
 
-void MWTermTest::sectionIsNotReadAtStart()
-{
-    Window w(
-        "[Terminal_Phone]\r\nEmulation=1\r\nRows=30\r\nColumns=40\r\nForeColor=2\r\nEcho(Duplex)=True\r\n");
-    QCOMPARE(
-        describe(w.screen()),
-        QStringLiteral("emu 2 bs 0 echo 0 fg 15 bg 1 filter 0 rows 25 cols 80 scroll 409 cursor 0 font 9"));
-    QVERIFY(w.rig.prompts.verify());
-}
+    void sectionIsNotReadAtStart()
+    {
+        Window w("[Terminal_Phone]\r\nEmulation=1\r\nRows=30\r\nColumns=40\r\nForeColor=2\r\nEcho(Duplex)="
+                 "True\r\n");
+        QCOMPARE(describe(w.screen()),
+                 QStringLiteral(
+                     "emu 2 bs 0 echo 0 fg 15 bg 1 filter 0 rows 25 cols 80 scroll 409 cursor 0 font 9"));
+        QVERIFY(w.rig.prompts.verify());
+    }
 
-void MWTermTest::loadTerminalSettingsReadsTheSection()
-{
-    Window w(
-        "[Terminal_Phone]\r\nEmulation=1\r\nBackspace=1\r\nEcho(Duplex)=-1\r\nForeColor=14\r\nBackColor=0\r\n"
-        "ScreenFilter=2\r\nRows=20\r\nColumns=40\r\nScrollRows=99\r\nFontName=Nowhere "
-        "Sans\r\nFontsize=11.5\r\n"
-        "FontBold=True\r\nFontItalic=1\r\nCursorType=1\r\n");
-    w.rig.port.setAutoProcess(CommControl::kAutoProcessProgram);
-    w.rig.port.setRThreshold(1);
-    MWTerm dialog(w.rig.session, w.rig.ini);
-    dialog.LoadTerminalSettings(w.screen());
-    TerminalScreen &s = w.screen();
-    // ScreenFilter is written, never read back.
-    QCOMPARE(
-        describe(s),
-        QStringLiteral("emu 1 bs 1 echo 1 fg 14 bg 0 filter 0 rows 20 cols 40 scroll 99 cursor 1 font 11.5"));
-    QCOMPARE(s.font().family(), QStringLiteral("Nowhere Sans"));
-    QVERIFY(s.font().bold() && !s.font().italic());
-    QVERIFY(s.AutoSize());
-    QCOMPARE(s.AutoScroll(), 4);
-    QCOMPARE(w.rig.port.RThreshold(), 0);
-    QCOMPARE(w.rig.port.AutoProcess(), 3);
-    QCOMPARE(s.rowText(0), QStringLiteral("first"));
-    QCOMPARE(s.rowText(2), QString(40, u'w'));
-    QCOMPARE(s.rowText(4), QString());
+    void loadTerminalSettingsReadsTheSection()
+    {
+        Window w(
+            "[Terminal_Phone]\r\nEmulation=1\r\nBackspace=1\r\nEcho(Duplex)=-1\r\nForeColor=14\r\n"
+            "BackColor=0\r\nScreenFilter=2\r\nRows=20\r\nColumns=40\r\nScrollRows=99\r\n"
+            "FontName=Nowhere Sans\r\nFontsize=11.5\r\nFontBold=True\r\nFontItalic=1\r\nCursorType=1\r\n");
+        w.rig.port.setAutoProcess(CommControl::kAutoProcessProgram);
+        w.rig.port.setRThreshold(1);
+        MWTerm dialog(w.rig.session, w.rig.ini);
+        dialog.LoadTerminalSettings(w.screen());
+        TerminalScreen &s = w.screen();
+        // ScreenFilter is written, never read back.
+        QCOMPARE(describe(s),
+                 QStringLiteral(
+                     "emu 1 bs 1 echo 1 fg 14 bg 0 filter 0 rows 20 cols 40 scroll 99 cursor 1 font 11.5"));
+        QCOMPARE(s.font().family(), QStringLiteral("Nowhere Sans"));
+        QVERIFY(s.font().bold() && !s.font().italic());
+        QVERIFY(s.AutoSize());
+        QCOMPARE(s.AutoScroll(), 4);
+        QCOMPARE(w.rig.port.RThreshold(), 0);
+        QCOMPARE(w.rig.port.AutoProcess(), 3);
+        QCOMPARE(s.rowText(0), QStringLiteral("first"));
+        QCOMPARE(s.rowText(2), QString(40, u'w'));
+        QCOMPARE(s.rowText(4), QString());
+    }
 
-    // A missing ScrollRows takes the limit for the width.
-    Window wide("[Terminal_Phone]\r\nEmulation=2\r\nColumns=132\r\n");
-    MWTerm(wide.rig.session, wide.rig.ini).LoadTerminalSettings(wide.screen());
-    QCOMPARE(wide.screen().ScrollRows(), scrollRowsLimit(132));
-    QCOMPARE(wide.screen().Columns(), 132);
-    QCOMPARE(wide.screen().font().pointSizeF(), 9.1);
-}
+    void loadWithoutEmulationOpensTheDialog()
+    {
+        Window w("[Terminal_Phone]\r\nEmulation=0\r\nRows=20\r\n");
+        w.screen().setEmulation(1);
+        int shown = 0;
+        whenModal([&](QWidget *dialog) {
+            ++shown;
+            auto *d = qobject_cast<MWTerm *>(dialog);
+            QCOMPARE(d->cbEmulation->currentText(), QStringLiteral("VT-100"));
+            d->cmdOK->click();
+        });
+        MWTerm dialog(w.rig.session, w.rig.ini);
+        dialog.LoadTerminalSettings(w.screen());
+        QCOMPARE(shown, 1);
+        QCOMPARE(w.screen().Rows(), 25); // the other keys are not read on this way
+        QCOMPARE(key(w.rig.ini, "Emulation"), QStringLiteral("2"));
+    }
 
-void MWTermTest::loadWithoutEmulationOpensTheDialog()
-{
-    Window w("[Terminal_Phone]\r\nEmulation=0\r\nRows=20\r\n");
-    w.screen().setEmulation(1);
-    int shown = 0;
-    whenModal([&](QWidget *dialog) {
-        ++shown;
-        auto *d = qobject_cast<MWTerm *>(dialog);
-        QCOMPARE(d->cbEmulation->currentText(), QStringLiteral("VT-100"));
-        d->cmdOK->click();
-    });
-    MWTerm dialog(w.rig.session, w.rig.ini);
-    dialog.LoadTerminalSettings(w.screen());
-    QCOMPARE(shown, 1);
-    QCOMPARE(w.screen().Rows(), 25); // the other keys are not read on this way
-    QCOMPARE(key(w.rig.ini, "Emulation"), QStringLiteral("2"));
-}
-
-void MWTermTest::controlWithoutPortIsReported()
-{
-    TerminalRig rig;
-    TerminalScreen loose;
-    const QString box =
-        QStringLiteral("The following error has occured in the application:\r438 = Object doesn't "
-                       "support this property or method\rPress OK to attempt to fix problem.\rIf "
-                       "problem remains, please exit program and report error to VNL.");
-    rig.prompts.expectMsgBox(box).withIcon(MsgIcon::Critical);
-    rig.prompts.expectMsgBox(box).withIcon(MsgIcon::Critical);
-    MWTerm dialog(rig.session, rig.ini);
-    QVERIFY(!dialog.SetTerminalSettings(loose));
-    dialog.LoadTerminalSettings(loose);
-    QVERIFY(rig.prompts.verify());
-    QVERIFY(!rig.ini.hasKey(kSection, QStringLiteral("Emulation")));
-}
+    void controlWithoutPortIsReported()
+    {
+        TerminalRig rig;
+        TerminalScreen loose;
+        const QString box = errorBox("438 = Object doesn't support this property or method");
+        rig.prompts.expectMsgBox(box).withIcon(MsgIcon::Critical);
+        rig.prompts.expectMsgBox(box).withIcon(MsgIcon::Critical);
+        MWTerm dialog(rig.session, rig.ini);
+        QVERIFY(!dialog.SetTerminalSettings(loose));
+        dialog.LoadTerminalSettings(loose);
+        QVERIFY(rig.prompts.verify());
+        QVERIFY(!rig.ini.hasKey(kSection, QStringLiteral("Emulation")));
+    }
+};
 
 QTEST_MAIN(MWTermTest)
 #include "MWTermTest.moc"

@@ -6,6 +6,8 @@
 #include "ScriptedModem.h"
 #include "ScriptedPrompts.h"
 #include "SessionRig.h"
+#include "Terminal.h"
+#include "TerminalScreen.h"
 #include "TimeSource.h"
 
 #include <QApplication>
@@ -59,3 +61,27 @@ struct TerminalRig
                        moreSettings);
     }
 };
+
+// The terminal loaded over the rig, the writes of its load forgotten.
+struct LoadedTerminal
+{
+    TerminalRig rig;
+    Terminal window{rig.session, rig.ini};
+
+    explicit LoadedTerminal(const QByteArray &moreSettings = {}) : rig(moreSettings)
+    {
+        window.Load();
+        rig.port.clearEvents();
+    }
+    TerminalScreen &screen() { return *window.Comm1Screen; }
+    QString wire() const { return ::wire(rig.port); }
+};
+
+// The box of an error the program goes on after, for the error's number and text.
+inline QString errorBox(const char *error)
+{
+    return QStringLiteral(
+               "The following error has occured in the application:\r%1\rPress OK to attempt to fix "
+               "problem.\rIf problem remains, please exit program and report error to VNL.")
+        .arg(QLatin1String(error));
+}

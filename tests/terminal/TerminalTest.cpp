@@ -2,7 +2,6 @@
 #include "Golden.h"
 #include "TermIntro.h"
 #include "TerminalFixture.h"
-#include "TerminalScreen.h"
 
 #include <QCheckBox>
 #include <QClipboard>
@@ -13,24 +12,7 @@
 namespace {
 
 const QByteArray kTestString = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
-const QString kPortClosedBox = QStringLiteral(
-    "The following error has occured in the application:\r8018 = Operation valid only when the "
-    "port is open\rPress OK to attempt to fix problem.\rIf problem remains, please exit program "
-    "and report error to VNL.");
-
-struct LoadedTerminal
-{
-    TerminalRig rig;
-    Terminal window{rig.session, rig.ini};
-
-    explicit LoadedTerminal(const QByteArray &moreSettings = {}) : rig(moreSettings)
-    {
-        window.Load();
-        rig.port.clearEvents();
-    }
-    TerminalScreen &screen() { return *window.Comm1Screen; }
-    QString wire() const { return ::wire(rig.port); }
-};
+const QString kPortClosedBox = errorBox("8018 = Operation valid only when the port is open");
 
 // Keys typed on the screen, by name: one character, a key ("Return", "Up"), or a key with Ctrl (^X),
 // Shift (S-Insert) or Ctrl (C-Insert) held.
@@ -378,11 +360,7 @@ private slots:
         t.rig.prompts.expectFileDialog(std::nullopt);
         t.rig.prompts.expectFileDialog(QStringLiteral("   "));
         t.rig.prompts.expectFileDialog(t.rig.dir.filePath(QStringLiteral("no/such/folder.TXT")));
-        t.rig.prompts
-            .expectMsgBox(QStringLiteral("The following error has occured in the application:\r76 = Path not "
-                                         "found\rPress OK to attempt to fix problem.\rIf problem remains, "
-                                         "please exit program and report error to VNL."))
-            .withIcon(MsgIcon::Critical);
+        t.rig.prompts.expectMsgBox(errorBox("76 = Path not found")).withIcon(MsgIcon::Critical);
         for (int i = 0; i < 3; ++i)
             t.window.MFile(1)->trigger();
         QVERIFY(t.rig.prompts.verify());

@@ -72,263 +72,249 @@ class TermEmulatorTest : public QObject
     Q_OBJECT
 private slots:
     void screens_data() { addRows(kScreenCases); }
-    void screens();
-    void colorsAndAttributes();
-    void scrollLimitShrinksFromTheOldestLine();
-    void fastStreamMatchesByteByByte_data();
-    void fastStreamMatchesByteByByte();
-    void fastStreamIsPassedOverOnlyWhenPlain();
-    void processInSlices();
-    void ttyFilters_data();
-    void ttyFilters();
-    void clearScreenKeepsScrollback();
-    void resizeEmptiesTheScreen();
-    void bellsAndDamage();
-    void cursorKeys();
+    void screens()
+    {
+        const ScreenCase &c = fetchRow(kScreenCases);
+        const QByteArray bytes = c.bytes;
+        // At once, and a byte at a time: pieces may split sequences and characters anywhere.
+        TermEmulator whole(c.rows, c.columns);
+        TermEmulator trickle(c.rows, c.columns);
+        for (TermEmulator *emu : {&whole, &trickle}) {
+            emu->setEmulation(c.tty ? TermEmulation::Tty : TermEmulation::Vt100);
+            emu->setScrollLimit(c.scrollLimit);
+        }
+        whole.write(c.tty ? ::ttyFilter(bytes) : bytes);
+        whole.process();
+        for (const char b : bytes) {
+            trickle.write(c.tty ? ::ttyFilter(QByteArray(1, b)) : QByteArray(1, b));
+            trickle.process();
+        }
+        QCOMPARE(dump(whole), QString::fromUtf8(c.shown));
+        if (!c.tty)
+            QCOMPARE(dump(trickle), dump(whole));
+    }
+
+    void colorsAndAttributes()
+    {
+        TermEmulator emu(25, 80);
+        emu.write("p\x1b[1;31;42mX\x1b[0;7mR\x1b[0;4mU");
+        emu.process();
+        std::vector<TermCell> cells;
+        emu.rowCells(0, cells);
+        QVERIFY(cells[0].fg.isDefault());
+        QVERIFY(cells[0].bg.isDefault());
+        QCOMPARE(cells[0].attrs, quint8(0));
+        QVERIFY(!cells[1].fg.isDefault());
+        QVERIFY(!cells[1].bg.isDefault());
+        QVERIFY(cells[1].fg.rgb() != cells[1].bg.rgb());
+        QCOMPARE(cells[1].attrs, quint8(TermCell::Bold));
+        QVERIFY(cells[2].fg.isDefault());
+        QCOMPARE(cells[2].attrs, quint8(TermCell::Reverse));
+        QCOMPARE(cells[3].attrs, quint8(TermCell::Underline));
+        QVERIFY(cells[0].sameLook(cells[4]));
+        QVERIFY(!cells[0].sameLook(cells[1]));
+    }
+
+    void scrollLimitShrinksFromTheOldestLine()
+    {
+        TermEmulator emu(5, 40);
+        emu.setScrollLimit(8);
+        emu.write(numberedLines(1, 30)); // wraps the ring several times
+        emu.process();
+        QCOMPARE(emu.rowText(-8), QStringLiteral("line 19"));
+        emu.setScrollLimit(3);
+        QCOMPARE(emu.scrollbackLines(), 3);
+        QCOMPARE(emu.rowText(-3), QStringLiteral("line 24"));
+        QCOMPARE(emu.rowText(-1), QStringLiteral("line 26"));
+        emu.write(numberedLines(31, 31));
+        emu.process();
+        QCOMPARE(emu.rowText(-3), QStringLiteral("line 25"));
+        QCOMPARE(emu.rowText(-1), QStringLiteral("line 27"));
+    }
+
+    void fastStreamMatchesByteByByte_data()
+    {
+        QTest::addColumn<QByteArray>("before");
+        QTest::addColumn<QByteArray>("stream");
+
+        QByteArray longLines;
+        for (int i = 0; i < 900; ++i)
+            longLines += QByteArray(i % 130, char('a' + i % 26)) + "\r\n";
+        QByteArray tabs;
+        for (int i = 0; i < 900; ++i)
+            tabs += "a\tb\bc " + QByteArray::number(i) + "\r\n";
+        QByteArray crOnly;
+        for (int i = 0; i < 900; ++i)
+            crOnly += "progress " + QByteArray::number(i) + "\r" + (i % 10 == 9 ? "\n" : "");
+
+        QTest::newRow("modem lines") << QByteArray() << numberedLines(1, 2000);
+        QTest::newRow("after text") << QByteArray("CMD:abc") << numberedLines(1, 2000);
+        QTest::newRow("wrapping lines") << QByteArray("x") << longLines;
+        QTest::newRow("tabs and backspaces") << QByteArray("\r\n\r\n") << tabs;
+        QTest::newRow("line feeds only") << QByteArray("start") << numberedLines(1, 2000, "\n");
+        QTest::newRow("carriage returns") << QByteArray() << crOnly;
+        QTest::newRow("sequence at the end")
+            << QByteArray() << numberedLines(1, 1500) + "\x1b[1;31mred\x1b[0m\r\n";
+        QTest::newRow("sequence in the middle")
+            << QByteArray() << numberedLines(1, 700) + "\x1b[5;10r\x1b[4h" + numberedLines(701, 1400);
+        QTest::newRow("after a scroll region") << QByteArray("\x1b[3;6r\x1b[6;1H") << numberedLines(1, 2000);
+    }
+
+    void fastStreamMatchesByteByByte()
+    {
+        QFETCH(QByteArray, before);
+        QFETCH(QByteArray, stream);
+
+        TermEmulator burst(25, 80);
+        TermEmulator trickle(25, 80);
+        burst.setScrollLimit(100);
+        trickle.setScrollLimit(100);
+        for (TermEmulator *emu : {&burst, &trickle}) {
+            emu->write(before);
+            emu->process();
+        }
+        burst.write(stream);
+        burst.process();
+        for (qsizetype i = 0; i < stream.size(); i += 7) {
+            trickle.write(stream.mid(i, 7));
+            trickle.process();
+        }
+        QCOMPARE(visibleState(burst), visibleState(trickle));
+    }
+
+    void fastStreamIsPassedOverOnlyWhenPlain()
+    {
+        const QByteArray stream = numberedLines(1, 5000);
+        TermEmulator plain(25, 80);
+        plain.write(stream);
+        plain.process();
+        // Of 5000 lines only those that can still be seen are interpreted.
+        QVERIFY(plain.interpretedBytes() < stream.size() / 5);
+        QCOMPARE(plain.takeScrolledLines(), 5000 - 24);
+
+        TermEmulator coloured(25, 80);
+        coloured.write("\x1b[32m");
+        coloured.process();
+        coloured.write(stream);
+        coloured.process();
+        QCOMPARE(coloured.interpretedBytes(), stream.size() + 5);
+
+        // A clear screen starts the emulation afresh, so the shortcut is allowed again.
+        coloured.clearScreen();
+        coloured.write(stream);
+        coloured.process();
+        QVERIFY(coloured.interpretedBytes() < 2 * stream.size());
+        QCOMPARE(coloured.rowText(23), QStringLiteral("line 5000"));
+    }
+
+    void processInSlices()
+    {
+        // A limited slice leaves the rest for the next call.
+        TermEmulator sliced(25, 80);
+        sliced.write("\x1b[1mabcdef");
+        QVERIFY(sliced.process(6));
+        QCOMPARE(sliced.rowText(0), QStringLiteral("ab"));
+        QVERIFY(!sliced.process(100));
+        QCOMPARE(sliced.rowText(0), QStringLiteral("abcdef"));
+    }
+
+    void ttyFilters_data()
+    {
+        QTest::addColumn<QByteArray>("input");
+        QTest::addColumn<QByteArray>("output");
+        QTest::newRow("plain") << QByteArray("CMD:\r\n\ta\b\a") << QByteArray("CMD:\r\n\ta\b\a");
+        QTest::newRow("escape dropped") << QByteArray("\x1b[1mX") << QByteArray("[1mX");
+        QTest::newRow("controls dropped") << QByteArray("a\x00\x01\x0e\x7f"
+                                                        "b",
+                                                        6)
+                                          << QByteArray("ab");
+        QTest::newRow("latin-1 kept") << QByteArray("\xe9\xff") << QByteArray("\xc3\xa9\xc3\xbf");
+        QTest::newRow("c1 dropped") << QByteArray("\x85\x9b"
+                                                  "x")
+                                    << QByteArray("x");
+    }
+
+    void ttyFilters()
+    {
+        QFETCH(QByteArray, input);
+        QFETCH(QByteArray, output);
+        QCOMPARE(::ttyFilter(input), output);
+    }
+
+    void clearScreenKeepsScrollback()
+    {
+        TermEmulator emu(5, 40);
+        emu.write(numberedLines(1, 8) + "\x1b[?25l");
+        emu.process();
+        QVERIFY(!emu.cursorVisible());
+        emu.clearScreen();
+        for (int row = 0; row < 5; ++row)
+            QCOMPARE(emu.rowText(row), QString());
+        QCOMPARE(emu.cursorRow(), 0);
+        QCOMPARE(emu.cursorColumn(), 0);
+        QVERIFY(emu.cursorVisible());
+        QCOMPARE(emu.rowText(-1), QStringLiteral("line 4"));
+        emu.clearScrollback();
+        QCOMPARE(emu.scrollbackLines(), 0);
+
+        emu.setCursor(2, 7);
+        QCOMPARE(emu.cursorRow(), 2);
+        QCOMPARE(emu.cursorColumn(), 7);
+        emu.setCursor(99, -3);
+        QCOMPARE(emu.cursorRow(), 4);
+        QCOMPARE(emu.cursorColumn(), 0);
+    }
+
+    void resizeEmptiesTheScreen()
+    {
+        TermEmulator emu(5, 40);
+        emu.write(numberedLines(1, 7));
+        emu.process();
+        const int before = emu.scrollbackLines();
+        emu.setSize(10, 20);
+        QCOMPARE(emu.rows(), 10);
+        QCOMPARE(emu.columns(), 20);
+        QCOMPARE(emu.scrollbackLines(), before);
+        QCOMPARE(emu.screenText(), QString(QStringLiteral("\r\n")).repeated(10));
+        emu.write(QByteArray(25, 'z'));
+        emu.process();
+        QCOMPARE(emu.rowText(1), QStringLiteral("zzzzz"));
+    }
+
+    void bellsAndDamage()
+    {
+        TermEmulator emu(25, 80);
+        emu.takeDamage();
+        emu.write("\x1b[5;10Hab\a\a");
+        emu.process();
+        QCOMPARE(emu.takeBells(), 2);
+        QCOMPARE(emu.takeBells(), 0);
+        const QRect damage = emu.takeDamage();
+        QVERIFY(damage.contains(QPoint(9, 4)));
+        QVERIFY(damage.contains(QPoint(10, 4)));
+        QVERIFY(!damage.contains(QPoint(0, 10)));
+        QVERIFY(emu.takeDamage().isNull());
+
+        // The emulation answers a device status request by itself.
+        emu.write("\x1b[6n");
+        emu.process();
+        QCOMPARE(emu.takeOutput(), QByteArray("\x1b[5;12R"));
+    }
+
+    void cursorKeys()
+    {
+        TermEmulator emu(25, 80);
+        QCOMPARE(emu.cursorKeyBytes(Qt::Key_Up), QByteArray("\x1b[A"));
+        QCOMPARE(emu.cursorKeyBytes(Qt::Key_Left), QByteArray("\x1b[D"));
+        emu.write("\x1b[?1h");
+        emu.process();
+        QCOMPARE(emu.cursorKeyBytes(Qt::Key_Down), QByteArray("\x1bOB"));
+        QCOMPARE(emu.cursorKeyBytes(Qt::Key_F5), QByteArray());
+        QCOMPARE(emu.takeOutput(), QByteArray());
+        emu.setEmulation(TermEmulation::Tty);
+        QCOMPARE(emu.cursorKeyBytes(Qt::Key_Up), QByteArray());
+    }
 };
-
-void TermEmulatorTest::screens()
-{
-    const ScreenCase &c = fetchRow(kScreenCases);
-    const QByteArray bytes = c.bytes;
-    // At once, and a byte at a time: pieces may split sequences and characters anywhere.
-    TermEmulator whole(c.rows, c.columns);
-    TermEmulator trickle(c.rows, c.columns);
-    for (TermEmulator *emu : {&whole, &trickle}) {
-        emu->setEmulation(c.tty ? TermEmulation::Tty : TermEmulation::Vt100);
-        emu->setScrollLimit(c.scrollLimit);
-    }
-    whole.write(c.tty ? ::ttyFilter(bytes) : bytes);
-    whole.process();
-    for (const char b : bytes) {
-        trickle.write(c.tty ? ::ttyFilter(QByteArray(1, b)) : QByteArray(1, b));
-        trickle.process();
-    }
-    QCOMPARE(dump(whole), QString::fromUtf8(c.shown));
-    if (!c.tty)
-        QCOMPARE(dump(trickle), dump(whole));
-}
-
-void TermEmulatorTest::colorsAndAttributes()
-{
-    TermEmulator emu(25, 80);
-    emu.write("p\x1b[1;31;42mX\x1b[0;7mR\x1b[0;4mU");
-    emu.process();
-    std::vector<TermCell> cells;
-    emu.rowCells(0, cells);
-    QVERIFY(cells[0].fg.isDefault());
-    QVERIFY(cells[0].bg.isDefault());
-    QCOMPARE(cells[0].attrs, quint8(0));
-    QVERIFY(!cells[1].fg.isDefault());
-    QVERIFY(!cells[1].bg.isDefault());
-    QVERIFY(cells[1].fg.rgb() != cells[1].bg.rgb());
-    QCOMPARE(cells[1].attrs, quint8(TermCell::Bold));
-    QVERIFY(cells[2].fg.isDefault());
-    QCOMPARE(cells[2].attrs, quint8(TermCell::Reverse));
-    QCOMPARE(cells[3].attrs, quint8(TermCell::Underline));
-    QVERIFY(cells[0].sameLook(cells[4]));
-    QVERIFY(!cells[0].sameLook(cells[1]));
-}
-
-void TermEmulatorTest::scrollLimitShrinksFromTheOldestLine()
-{
-    TermEmulator emu(5, 40);
-    emu.setScrollLimit(8);
-    emu.write(numberedLines(1, 30)); // wraps the ring several times
-    emu.process();
-    QCOMPARE(emu.rowText(-8), QStringLiteral("line 19"));
-    emu.setScrollLimit(3);
-    QCOMPARE(emu.scrollbackLines(), 3);
-    QCOMPARE(emu.rowText(-3), QStringLiteral("line 24"));
-    QCOMPARE(emu.rowText(-1), QStringLiteral("line 26"));
-    emu.write(numberedLines(31, 31));
-    emu.process();
-    QCOMPARE(emu.rowText(-3), QStringLiteral("line 25"));
-    QCOMPARE(emu.rowText(-1), QStringLiteral("line 27"));
-}
-
-void TermEmulatorTest::fastStreamMatchesByteByByte_data()
-{
-    QTest::addColumn<QByteArray>("before");
-    QTest::addColumn<QByteArray>("stream");
-
-    QByteArray longLines;
-    for (int i = 0; i < 900; ++i)
-        longLines += QByteArray(i % 130, char('a' + i % 26)) + "\r\n";
-    QByteArray tabs;
-    for (int i = 0; i < 900; ++i)
-        tabs += "a\tb\bc " + QByteArray::number(i) + "\r\n";
-    QByteArray crOnly;
-    for (int i = 0; i < 900; ++i)
-        crOnly += "progress " + QByteArray::number(i) + "\r" + (i % 10 == 9 ? "\n" : "");
-
-    QTest::newRow("modem lines") << QByteArray() << numberedLines(1, 2000);
-    QTest::newRow("after text") << QByteArray("CMD:abc") << numberedLines(1, 2000);
-    QTest::newRow("wrapping lines") << QByteArray("x") << longLines;
-    QTest::newRow("tabs and backspaces") << QByteArray("\r\n\r\n") << tabs;
-    QTest::newRow("line feeds only") << QByteArray("start") << numberedLines(1, 2000, "\n");
-    QTest::newRow("carriage returns") << QByteArray() << crOnly;
-    QTest::newRow("sequence at the end")
-        << QByteArray() << numberedLines(1, 1500) + "\x1b[1;31mred\x1b[0m\r\n";
-    QTest::newRow("sequence in the middle")
-        << QByteArray() << numberedLines(1, 700) + "\x1b[5;10r\x1b[4h" + numberedLines(701, 1400);
-    QTest::newRow("after a scroll region") << QByteArray("\x1b[3;6r\x1b[6;1H") << numberedLines(1, 2000);
-}
-
-void TermEmulatorTest::fastStreamMatchesByteByByte()
-{
-    QFETCH(QByteArray, before);
-    QFETCH(QByteArray, stream);
-
-    TermEmulator burst(25, 80);
-    TermEmulator trickle(25, 80);
-    burst.setScrollLimit(100);
-    trickle.setScrollLimit(100);
-    for (TermEmulator *emu : {&burst, &trickle}) {
-        emu->write(before);
-        emu->process();
-    }
-    burst.write(stream);
-    burst.process();
-    for (qsizetype i = 0; i < stream.size(); i += 7) {
-        trickle.write(stream.mid(i, 7));
-        trickle.process();
-    }
-    QCOMPARE(visibleState(burst), visibleState(trickle));
-}
-
-void TermEmulatorTest::fastStreamIsPassedOverOnlyWhenPlain()
-{
-    const QByteArray stream = numberedLines(1, 5000);
-    TermEmulator plain(25, 80);
-    plain.write(stream);
-    plain.process();
-    // Of 5000 lines only those that can still be seen are interpreted.
-    QVERIFY(plain.interpretedBytes() < stream.size() / 5);
-    QCOMPARE(plain.takeScrolledLines(), 5000 - 24);
-
-    TermEmulator coloured(25, 80);
-    coloured.write("\x1b[32m");
-    coloured.process();
-    coloured.write(stream);
-    coloured.process();
-    QCOMPARE(coloured.interpretedBytes(), stream.size() + 5);
-
-    // A clear screen starts the emulation afresh, so the shortcut is allowed again.
-    coloured.clearScreen();
-    coloured.write(stream);
-    coloured.process();
-    QVERIFY(coloured.interpretedBytes() < 2 * stream.size());
-    QCOMPARE(coloured.rowText(23), QStringLiteral("line 5000"));
-}
-
-void TermEmulatorTest::processInSlices()
-{
-    // A limited slice leaves the rest for the next call.
-    TermEmulator sliced(25, 80);
-    sliced.write("\x1b[1mabcdef");
-    QVERIFY(sliced.process(6));
-    QCOMPARE(sliced.rowText(0), QStringLiteral("ab"));
-    QVERIFY(!sliced.process(100));
-    QCOMPARE(sliced.rowText(0), QStringLiteral("abcdef"));
-}
-
-void TermEmulatorTest::ttyFilters_data()
-{
-    QTest::addColumn<QByteArray>("input");
-    QTest::addColumn<QByteArray>("output");
-    QTest::newRow("plain") << QByteArray("CMD:\r\n\ta\b\a") << QByteArray("CMD:\r\n\ta\b\a");
-    QTest::newRow("escape dropped") << QByteArray("\x1b[1mX") << QByteArray("[1mX");
-    QTest::newRow("controls dropped") << QByteArray("a\x00\x01\x0e\x7f"
-                                                    "b",
-                                                    6)
-                                      << QByteArray("ab");
-    QTest::newRow("latin-1 kept") << QByteArray("\xe9\xff") << QByteArray("\xc3\xa9\xc3\xbf");
-    QTest::newRow("c1 dropped") << QByteArray("\x85\x9b"
-                                              "x")
-                                << QByteArray("x");
-}
-
-void TermEmulatorTest::ttyFilters()
-{
-    QFETCH(QByteArray, input);
-    QFETCH(QByteArray, output);
-    QCOMPARE(::ttyFilter(input), output);
-}
-
-void TermEmulatorTest::clearScreenKeepsScrollback()
-{
-    TermEmulator emu(5, 40);
-    emu.write(numberedLines(1, 8) + "\x1b[?25l");
-    emu.process();
-    QVERIFY(!emu.cursorVisible());
-    emu.clearScreen();
-    for (int row = 0; row < 5; ++row)
-        QCOMPARE(emu.rowText(row), QString());
-    QCOMPARE(emu.cursorRow(), 0);
-    QCOMPARE(emu.cursorColumn(), 0);
-    QVERIFY(emu.cursorVisible());
-    QCOMPARE(emu.rowText(-1), QStringLiteral("line 4"));
-    emu.clearScrollback();
-    QCOMPARE(emu.scrollbackLines(), 0);
-
-    emu.setCursor(2, 7);
-    QCOMPARE(emu.cursorRow(), 2);
-    QCOMPARE(emu.cursorColumn(), 7);
-    emu.setCursor(99, -3);
-    QCOMPARE(emu.cursorRow(), 4);
-    QCOMPARE(emu.cursorColumn(), 0);
-}
-
-void TermEmulatorTest::resizeEmptiesTheScreen()
-{
-    TermEmulator emu(5, 40);
-    emu.write(numberedLines(1, 7));
-    emu.process();
-    const int before = emu.scrollbackLines();
-    emu.setSize(10, 20);
-    QCOMPARE(emu.rows(), 10);
-    QCOMPARE(emu.columns(), 20);
-    QCOMPARE(emu.scrollbackLines(), before);
-    QCOMPARE(emu.screenText(), QString(QStringLiteral("\r\n")).repeated(10));
-    emu.write(QByteArray(25, 'z'));
-    emu.process();
-    QCOMPARE(emu.rowText(1), QStringLiteral("zzzzz"));
-}
-
-void TermEmulatorTest::bellsAndDamage()
-{
-    TermEmulator emu(25, 80);
-    emu.takeDamage();
-    emu.write("\x1b[5;10Hab\a\a");
-    emu.process();
-    QCOMPARE(emu.takeBells(), 2);
-    QCOMPARE(emu.takeBells(), 0);
-    const QRect damage = emu.takeDamage();
-    QVERIFY(damage.contains(QPoint(9, 4)));
-    QVERIFY(damage.contains(QPoint(10, 4)));
-    QVERIFY(!damage.contains(QPoint(0, 10)));
-    QVERIFY(emu.takeDamage().isNull());
-
-    // The emulation answers a device status request by itself.
-    emu.write("\x1b[6n");
-    emu.process();
-    QCOMPARE(emu.takeOutput(), QByteArray("\x1b[5;12R"));
-}
-
-void TermEmulatorTest::cursorKeys()
-{
-    TermEmulator emu(25, 80);
-    QCOMPARE(emu.cursorKeyBytes(Qt::Key_Up), QByteArray("\x1b[A"));
-    QCOMPARE(emu.cursorKeyBytes(Qt::Key_Left), QByteArray("\x1b[D"));
-    emu.write("\x1b[?1h");
-    emu.process();
-    QCOMPARE(emu.cursorKeyBytes(Qt::Key_Down), QByteArray("\x1bOB"));
-    QCOMPARE(emu.cursorKeyBytes(Qt::Key_F5), QByteArray());
-    QCOMPARE(emu.takeOutput(), QByteArray());
-    emu.setEmulation(TermEmulation::Tty);
-    QCOMPARE(emu.cursorKeyBytes(Qt::Key_Up), QByteArray());
-}
 
 QTEST_GUILESS_MAIN(TermEmulatorTest)
 #include "TermEmulatorTest.moc"

@@ -14,34 +14,11 @@ namespace {
 const QByteArray kTestString = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
 const QString kPortClosedBox = errorBox("8018 = Operation valid only when the port is open");
 
-// Keys typed on the screen, by name: one character, a key ("Return", "Up"), or a key with Ctrl (^X),
-// Shift (S-Insert) or Ctrl (C-Insert) held.
+// Keys typed on a widget, each as a key sequence ("a", "Return", "Ctrl+X", "Shift+Insert").
 void type(QWidget *widget, const char *keys)
 {
-    static const std::pair<const char *, Qt::Key> kNames[] = {
-        {"Return", Qt::Key_Return}, {"Backspace", Qt::Key_Backspace},
-        {"Tab", Qt::Key_Tab},       {"Escape", Qt::Key_Escape},
-        {"Up", Qt::Key_Up},         {"F12", Qt::Key_F12},
-        {"Insert", Qt::Key_Insert}, {"Delete", Qt::Key_Delete}};
-    for (const QString &token : items(keys, Qt::SkipEmptyParts).join(u' ').split(u' ', Qt::SkipEmptyParts)) {
-        Qt::KeyboardModifiers modifiers;
-        QString name = token;
-        if (name.startsWith(u'^') && name.size() == 2) {
-            QTest::keyClick(widget, name.at(1).toLatin1(), Qt::ControlModifier);
-            continue;
-        }
-        if (name.startsWith(QStringLiteral("S-")) || name.startsWith(QStringLiteral("C-"))) {
-            modifiers = name.startsWith(u'S') ? Qt::ShiftModifier : Qt::ControlModifier;
-            name = name.mid(2);
-        }
-        if (name.size() == 1) {
-            QTest::keyClick(widget, name.at(0).toLatin1(), modifiers);
-            continue;
-        }
-        for (const auto &[text, key] : kNames)
-            if (name == QLatin1String(text))
-                QTest::keyClick(widget, key, modifiers);
-    }
+    for (const QString &key : QString::fromLatin1(keys).split(u' '))
+        QTest::keySequence(widget, QKeySequence(key));
 }
 
 // Keys typed on the terminal screen at a mode; setup words: "echo", "del" (Backspace sends DEL),
@@ -58,7 +35,7 @@ struct KeysCase
 };
 
 const KeysCase kKeysCases[] = {
-    {"at 3", 3, "", "a t Return Backspace Tab ^X Up F12",
+    {"at 3", 3, "", "a t Return Backspace Tab Ctrl+X Up F12",
      "0:a | 0:t | 0:\\r | 0:<08> | 0:<09> | 0:<18> | 0:<1B>[A", "", false},
     {"at 3 with echo", 3, "echo del", "o k Backspace", "0:o | 0:k | 0:<7F>", "ok", false},
     {"tty without cursor keys", 3, "tty", "Up Escape", "0:<1B>", "", true},
@@ -186,11 +163,11 @@ private slots:
 
         // The keyboard copies leave out the last character, the line end between rows comes along.
         screen.select(0, 4, 1, 10);
-        type(&screen, "C-Insert");
+        type(&screen, "Ctrl+Insert");
         QCOMPARE(clipboard->text(), QStringLiteral("squelch\r\nSQUELCH 3"));
         QCOMPARE(screen.SelLength(), 19);
         screen.select(1, 0, 1, 1);
-        type(&screen, "S-Delete");
+        type(&screen, "Shift+Delete");
         QCOMPARE(clipboard->text(), QString());
         QCOMPARE(screen.SelLength(), 0);
         emit t.window.MenuEdit->aboutToShow();
@@ -208,7 +185,7 @@ private slots:
 
         // Shift+Insert and the menu paste send the clipboard at either mode.
         clipboard->setText(QStringLiteral("datarate 0\r"));
-        type(&screen, "S-Insert");
+        type(&screen, "Shift+Insert");
         t.rig.port.setAutoProcess(CommControl::kAutoProcessProgram);
         t.window.MEdit(2)->trigger();
         QCOMPARE(t.wire(), QStringLiteral("0:datarate 0\\r | 0:datarate 0\\r"));
@@ -217,7 +194,7 @@ private slots:
         t.rig.port.setPortOpen(false);
         t.rig.prompts.expectMsgBox(kPortClosedBox).withIcon(MsgIcon::Critical);
         t.window.MEdit(2)->trigger();
-        type(&screen, "S-Insert");
+        type(&screen, "Shift+Insert");
         QVERIFY(t.rig.prompts.verify());
     }
 

@@ -80,6 +80,7 @@ const RouteCase kRouteCases[] = {
     {"backspace at 0", S, Qt::Key_Backspace, kNone, u"\b", 0, "del", "send 08"},
     {"cursor key at 0", S, Qt::Key_Up, kNone, u"", 0, "arrow", ""},
     {"escape at 0", S, Qt::Key_Escape, kNone, u"\x1b", 0, "", "send 1b esc"},
+    {"nul at 0", S, Qt::Key_Space, kCtrl, u"", 0, "", "send 00"},
     {"other mode", S, Qt::Key_A, kNone, u"a", 1, "", ""},
     {"paste", S, Qt::Key_Insert, kShift, u"", 3, "", "paste"},
     {"paste with ctrl", S, Qt::Key_Insert, kShift | kCtrl, u"", 0, "sel", "paste"},

@@ -17,7 +17,14 @@ QString TimeSource::timeText() const
 
 QString TimeSource::dateText() const
 {
-    return QLocale::system().toString(now().date(), QLocale::ShortFormat);
+    return shortDateText(QLocale::system(), now().date());
+}
+
+QString shortDateText(const QLocale &locale, QDate date)
+{
+    constexpr int kDatePlaces = 10;
+    const QString text = locale.toString(date, QLocale::ShortFormat);
+    return text.size() <= kDatePlaces ? text : date.toString(Qt::ISODate);
 }
 
 RealTime::RealTime(QObject *parent) : TimeSource(parent)

@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QList>
+#include <QLocale>
 #include <QObject>
 #include <QTimer>
 #include <functional>
@@ -33,6 +34,11 @@ public:
     QString timeText() const;
     QString dateText() const;
 };
+
+// The short date of a locale, as the report rows lay it out in ten places; a locale whose short
+// date is longer (the C locale writes "23 Nov 2026") gives the numeric date instead, so that no
+// row of a report is lost to its date.
+QString shortDateText(const QLocale &locale, QDate date);
 
 // Real time: QTimer MiliSecondTimer with a precise timer and nested event loops.
 class RealTime : public TimeSource

@@ -1,4 +1,5 @@
 #include "TextRules.h"
+#include "TimeSource.h"
 
 #include "Tables.h"
 
@@ -103,6 +104,10 @@ const char *const kRules[][4] = {
     {"trim keeps tabs", "trimBlanks", "\ta\t", "\ta\t"},
     {"trim keeps line ends", "trimBlanks", " 3.10\r", "3.10\r"},
     {"trim only blanks", "trimBlanks", "   ", ""},
+    {"short date of its locale", "shortDate", "sv_SE | 2026-11-23", "2026-11-23"},
+    {"short date of two-digit year", "shortDate", "en_US | 2026-11-23", "11/23/26"},
+    {"long short date made numeric", "shortDate", "C | 2026-11-23", "2026-11-23"},
+    {"date of ten places kept", "shortDate", "en_GB | 2026-11-23", "23/11/2026"},
 };
 
 QString number(double value)
@@ -136,6 +141,8 @@ QString apply(const QString &rule, const QStringList &a)
     if (rule == u"cut")
         return each([&] { return midText(a[0], n, last); }, [&] { return midText(a[0], n); },
                     [&] { return leftText(a[0], last); }, [&] { return rightText(a[0], last); });
+    if (rule == u"shortDate")
+        return shortDateText(QLocale(a[0]), QDate::fromString(a[1], Qt::ISODate));
     return trimBlanks(a[0]);
 }
 } // namespace

@@ -217,29 +217,55 @@ private slots:
         QVERIFY(rig.prompts.verify());
     }
 
-    // The polling test from its button: stopped from its screen, it finishes its poll, asks about the
-    // report, writes it, restores the modem and marks the test completed; the comments follow.
-    void pollingFromTheScreen()
+    // The polling test from its button, stopped from its screen or by closing the diagnostics: it
+    // finishes its poll, asks about the report, writes it, restores the modem and marks the test
+    // completed. A close of the diagnostics asks first and goes on once the test has stopped.
+    void polling_data()
     {
+        QTest::addColumn<bool>("closeAll");
+        QTest::newRow("stop button") << false;
+        QTest::newRow("diagnostics closed") << true;
+    }
+    void polling()
+    {
+        QFETCH(bool, closeAll);
         Rig rig;
+        QSignalSpy back(rig.diag.get(), &Diagnostic::returnedToMainMenu);
         rig.diag->lstAdds->addItem(QStringLiteral("12"));
         rig.diag->txtPackSize->setText(QStringLiteral("20"));
         rig.link->time().after(30000, [&] {
             QVERIFY(rig.diag->TestRunning);
             QCOMPARE(rig.diag->lblPolling->text(), QStringLiteral("Running"));
-            rig.diag->pollingDiag()->cmdStop->click();
-            QVERIFY(rig.diag->pollingDiag()->isVisible());
+            if (closeAll)
+                rig.diag->close();
+            else
+                rig.diag->pollingDiag()->cmdStop->click();
+            QVERIFY(rig.diag->pollingDiag()->isVisible() && rig.diag->isVisible());
         });
+        if (closeAll)
+            rig.prompts.expectMsgBox(
+                QStringLiteral("This Action Will Stop All Active Tests and Close Down The Diagnostics\r"
+                               "Do You Wish To Proceed?"),
+                MsgAnswer::Yes);
         rig.prompts
             .expectMsgBox(QStringLiteral("Do You Wish To Add All Reports To The Diagnostic Testing Data?\r"
                                          "The Totals Will be Added to the Report Automatically."),
                           MsgAnswer::Yes)
             .withTitle(QStringLiteral("Add Data to Report"))
             .withButtons(MsgButtons::YesNo);
+        if (closeAll)
+            rig.prompts.expectMsgBox(
+                QStringLiteral("Do You Wish To Save The Diagnostic Testing Information To A File?"),
+                MsgAnswer::No);
+        rig.diag->show();
         rig.diag->cmdPolling->click();
         QVERIFY(rig.prompts.verify());
         QVERIFY(!rig.diag->TestRunning && !rig.diag->pollingDiag()->isVisible());
         QCOMPARE(rig.diag->lblPolling->text(), QStringLiteral("Completed"));
+        QCOMPARE(back.count(), closeAll ? 1 : 0);
+        QCOMPARE(rig.diag->isVisible(), !closeAll);
+        QCOMPARE(rig.link->port().AutoProcess(),
+                 closeAll ? CommControl::kAutoProcessTerminal : CommControl::kAutoProcessProgram);
         const QStringList report = rig.diag->report().text().split(QStringLiteral("\r\n"));
         const qsizetype at = report.indexOf(QStringLiteral("Polling Diagnostic Results - Complete\r"));
         QVERIFY(at > 0);
@@ -247,6 +273,8 @@ private slots:
         QVERIFY(report[at + 4].startsWith(QLatin1String("     1               12          Link Down")));
         QCOMPARE(report.filter(QStringLiteral("Test Packet Size = 20")).size(), 1);
         QCOMPARE(rig.link->local().value(QStringLiteral("MESSFORM")), QStringLiteral("OFF"));
+        if (closeAll)
+            return;
         rig.diag->comments()->Text1->setText(QStringLiteral("Mast at 12 was down"));
         rig.diag->comments()->Command1->click();
         QVERIFY(rig.diag->report().text().endsWith(QLatin1String("Comments:\r\nMast at 12 was down\r\n")));

@@ -3,6 +3,7 @@
 #include "IniFile.h"
 #include "MWPort.h"
 #include "MainMenu.h"
+#include "Modal.h"
 #include "ProgrammingMenu.h"
 #include "RemoteAddress.h"
 #include "SessionRig.h"
@@ -17,23 +18,8 @@
 #include <QComboBox>
 #include <QPushButton>
 #include <QTemporaryDir>
-#include <QTimer>
 
 namespace {
-// Runs fn on the next modal dialog as soon as it is up.
-void whenModal(std::function<void(QWidget *)> fn)
-{
-    auto *timer = new QTimer;
-    QObject::connect(timer, &QTimer::timeout, [timer, fn] {
-        if (QWidget *modal = QApplication::activeModalWidget()) {
-            timer->deleteLater();
-            timer->stop();
-            fn(modal);
-        }
-    });
-    timer->start(0);
-}
-
 void click(QWidget *dialog, const char *button)
 {
     dialog->findChild<QPushButton *>(QLatin1String(button))->click();

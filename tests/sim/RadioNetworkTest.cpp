@@ -194,62 +194,6 @@ private slots:
         QCOMPARE(exchange(link, "conn 256\r"), QByteArray("conn 256\r\nINVALID\r\nCMD:"));
     }
 
-    void pollingCountsRetriesAndOutages()
-    {
-        SimulatedModemLink link(scenario(QStringLiteral("noisy-site")));
-        sendLine(link, "FA", "Unit Address", 500);
-        QVERIFY(sendLine(link, "xsf off:messform on:au off:echo off", "CMD:", 1000));
-        exchange(link, "txs\r");
-        QMap<int, int> reported;
-        QMap<int, int> good;
-        QMap<int, int> down;
-        const QByteArray packet = QByteArray(64, 'x') + '\r';
-        // One poll as the polling diagnostic makes it: connect, packet, acknowledgement, TXS. The
-        // count of a failed poll is read and thrown away.
-        auto poll = [&](int address) {
-            QVERIFY(sendLine(link, "\x03", "CMD:", 3000));
-            QByteArray seen;
-            if (sendLine(link, "CONN " + QByteArray::number(address), "*", 2000)) {
-                link.port().Output(packet);
-                for (int pass = 0; pass < 160 && !seen.contains('*') && !seen.contains("SS03"); ++pass) {
-                    link.time().MsDelay(100);
-                    seen += link.port().Input();
-                }
-            }
-            const bool delivered = seen.contains('*');
-            ++(delivered ? good : down)[address];
-            QVERIFY(sendLine(link, "\x03", "CMD:", 3000));
-            QByteArray txs;
-            link.port().Output("TXS\r");
-            QVERIFY(waitFor(link, "CMD:", 300, &txs));
-            const qsizetype p = txs.indexOf("Retries = ") + 10;
-            if (delivered)
-                reported[address] += txs.mid(p, txs.indexOf('\r', p) - p).toInt();
-        };
-        // The north path loses packets; the hill site drops out from 60 s to 105 s.
-        while (link.time().elapsedMs() < 150000) {
-            poll(21);
-            poll(23);
-        }
-        QVERIFY(good[21] > 10);
-        QVERIFY(good[23] > 10);
-        QVERIFY(down[23] > 0);
-        QVERIFY(reported[21] > 0);
-        // What the modem reported matches what happened in the air to the test packets.
-        const sim::GroundTruth &truth = link.truth();
-        QMap<int, int> given;
-        for (const sim::GroundTruth::Packet &p : truth.packets)
-            if (p.delivered && p.bytes == packet.size())
-                given[p.to] += p.retries;
-        QCOMPARE(reported[21], given[21]);
-        QCOMPARE(reported[23], given[23]);
-        QCOMPARE(truth.outages.first().startMs, 60000);
-        QCOMPARE(truth.outages.first().endMs, 105000);
-        for (const sim::GroundTruth::Packet &p : truth.packets)
-            if (p.to == 23 && p.atMs >= 60000 && p.atMs < 100000)
-                QVERIFY(!p.delivered);
-    }
-
     void converseCarriesDataBothWays()
     {
         SimulatedModemLink link(scenario(QStringLiteral("demo")));

@@ -115,23 +115,6 @@ private slots:
         QCOMPARE(readBytes(path), all);
     }
 
-    void textFilesHoldWhatTheScreenShows()
-    {
-        QTemporaryDir dir;
-        const QByteArray raw = "\x1b[2Jrssi -72\r\nabc\rX\r\nCMD:";
-        for (const auto &[mode, expected] :
-             {std::pair{CaptureMode::Visible, QByteArray("rssi -72\r\nabc\rX\r\nCMD:")},
-              std::pair{CaptureMode::Standard, QByteArray("rssi -72\r\nXbc\r\nCMD:")}}) {
-            const QString path = dir.filePath(captureModeName(int(mode)));
-            CaptureFile capture;
-            capture.setMode(int(mode));
-            capture.open(path);
-            capture.write(raw, raw);
-            capture.close();
-            QCOMPARE(readBytes(path), expected);
-        }
-    }
-
     void existingFileIsContinued()
     {
         QTemporaryDir dir;

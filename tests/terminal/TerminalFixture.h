@@ -2,6 +2,7 @@
 
 #include "IniFile.h"
 #include "MemoryCommControl.h"
+#include "Modal.h"
 #include "ModemSession.h"
 #include "ScriptedModem.h"
 #include "ScriptedPrompts.h"
@@ -13,22 +14,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <functional>
-
-// Runs fn on the next modal dialog as soon as it is up.
-inline void whenModal(std::function<void(QWidget *)> fn)
-{
-    auto *timer = new QTimer;
-    QObject::connect(timer, &QTimer::timeout, [timer, fn] {
-        if (QWidget *modal = QApplication::activeModalWidget()) {
-            timer->stop();
-            timer->deleteLater();
-            fn(modal);
-        }
-    });
-    timer->start(0);
-}
 
 // The writes to the port, each as "ms:bytes", joined by " | ".
 inline QString wire(const MemoryCommControl &port)

@@ -202,11 +202,22 @@ void MainMenu::sectionEnded()
     setVisible(true);
 }
 
+// A terminal closed by its window's button has closed the port; whatever needs the port next loads it
+// again, hidden, as the program's start did.
+void MainMenu::reloadTerminal()
+{
+    if (m_terminal->isLoaded())
+        return;
+    m_terminal->Load();
+    m_terminal->setVisible(false);
+}
+
 void MainMenu::cmdStartOut_Click()
 {
     if (!openStartingOut)
         return;
     BusyPointer busy(m_session.prompts());
+    reloadTerminal();
     openStartingOut();
     setVisible(false);
 }
@@ -214,6 +225,7 @@ void MainMenu::cmdStartOut_Click()
 void MainMenu::cmdDiags_Click()
 {
     BusyPointer busy(m_session.prompts());
+    reloadTerminal();
     // A false result leaves the user here; the boxes of the entry routine have said why.
     if (m_session.EnterCommandModeKeep() && openDiagnostics) {
         openDiagnostics();
@@ -223,7 +235,8 @@ void MainMenu::cmdDiags_Click()
 
 void MainMenu::cmdVnlPrg_Click()
 {
-    // No modem dialogue is needed to edit a command list.
+    // No modem dialogue is needed to edit a command list, but reading and downloading need the port.
+    reloadTerminal();
     if (!m_programming) {
         m_programming = new ProgrammingMenu(m_session);
         m_programming->setAttribute(Qt::WA_DeleteOnClose);
@@ -241,11 +254,10 @@ void MainMenu::cmdVnlPrg_Click()
 void MainMenu::cmdTermEm_Click()
 {
     CommControl &comm = m_session.Comm1();
-    // A terminal closed by its window's button loads again; one that lost its line reopens the port.
-    if (!m_terminal->isLoaded())
-        m_terminal->Load();
-    else
+    // One that lost its line reopens the port.
+    if (m_terminal->isLoaded())
         m_terminal->reconnect();
+    reloadTerminal();
     m_terminal->setVisible(true);
     comm.Input();
     m_terminal->activateWindow();

@@ -71,6 +71,7 @@ private:
     // The terminal's entries that lead to the modem's own procedures.
     void wireModemScreens();
     void showDiagnostics();
+    void reloadTerminal();
 
     ModemSession &m_session;
     IniFile &m_ini;

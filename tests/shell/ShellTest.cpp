@@ -284,7 +284,8 @@ private slots:
     }
 
     // The window's close button unloads the terminal as the exit does: the capture is closed with its
-    // beep and box, the port closed, the buttons saved, the main menu back; the next visit reconnects.
+    // beep and box, the port closed, the buttons saved, the main menu back; what needs the port next
+    // reconnects.
     void closeButtonUnloadsTheTerminal()
     {
         Shell s;
@@ -302,6 +303,13 @@ private slots:
         QVERIFY(s.menu.isVisible() && !terminal->isVisible() && !s.port.PortOpen());
         QVERIFY(terminal->Comm1Screen->CaptureFilename().isEmpty());
         QVERIFY(readBytes(s.ini.path()).contains("1 - Call="));
+        // The diagnostics need the port: the terminal loads again, hidden, and opens it.
+        bool diagnostics = false;
+        s.menu.openDiagnostics = [&] { diagnostics = true; };
+        s.modem.answer("\x03", "\r\nCMD:");
+        s.menu.cmdDiags->click();
+        QVERIFY(diagnostics && s.port.PortOpen() && !terminal->isVisible());
+        QVERIFY(s.prompts.verify());
         s.menu.cmdTermEm->click();
         QVERIFY(s.port.PortOpen() && terminal->isVisible() && !s.menu.isVisible());
     }

@@ -113,10 +113,7 @@ private slots:
             }
         }
         QVERIFY(prompts.verify());
-        QStringList shown;
-        for (const QByteArray &w : link.port().writes())
-            shown << SessionRig::shown(w);
-        const QString joined = shown.join(QStringLiteral(" | "));
+        const QString joined = SessionRig::writes(link.port()).join(QStringLiteral(" | "));
         QVERIFY2(*writes ? joined.endsWith(QLatin1String(writes)) : joined.isEmpty(), qPrintable(joined));
         QCOMPARE(prompts.busy(), false);
         QCOMPARE(link.port().AutoProcess(), what == u"power" ? CommControl::kAutoProcessTerminal : 0);

@@ -162,10 +162,7 @@ private slots:
             link.time().advance(1000);
         }
         QVERIFY(prompts.verify());
-        QStringList writes;
-        for (const QByteArray &w : link.port().writes())
-            writes << SessionRig::shown(w);
-        QCOMPARE(writes.join(QStringLiteral(" | ")), QLatin1String(c.writes));
+        QCOMPARE(SessionRig::writes(link.port()).join(QStringLiteral(" | ")), QLatin1String(c.writes));
         if (*c.shown)
             QCOMPARE(view.log.join(QStringLiteral(" | ")), QLatin1String(c.shown));
         QCOMPARE(QStringLiteral("%1 %2 %3")

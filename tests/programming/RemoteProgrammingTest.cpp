@@ -235,11 +235,7 @@ private slots:
         }
         QVERIFY(prompts.verify());
 
-        QStringList writes;
-        for (const WireEvent &e : link.port().events())
-            if (e.kind == WireEvent::Kind::Write)
-                writes << SessionRig::shown(e.bytes);
-        QCOMPARE(writes, items(row.writes));
+        QCOMPARE(SessionRig::writes(link.port()), items(row.writes));
         QCOMPARE(menu.cmboedit().lines(), items(row.after, Qt::KeepEmptyParts));
         QVERIFY(!prompts.busy());
         link.time().advance(2000);

@@ -207,14 +207,6 @@ struct Bench
     ~Bench() { delete hub; }
 };
 
-QStringList writes(const MemoryCommControl &port)
-{
-    QStringList seen;
-    for (const WireEvent &e : port.events())
-        if (e.kind == WireEvent::Kind::Write)
-            seen << SessionRig::shown(e.bytes);
-    return seen;
-}
 } // namespace
 
 class FreqSettingTest : public QObject
@@ -337,7 +329,7 @@ private slots:
             entry->ok->click();
         }
         QVERIFY(prompts.verify());
-        QCOMPARE(writes(link.port()), items(row.writes));
+        QCOMPARE(SessionRig::writes(link.port()), items(row.writes));
         link.time().advance(3000);
         QCOMPARE(QStringList({target.latchedValue(QStringLiteral("SEL/A1")),
                               target.latchedValue(QStringLiteral("SEL/N1")),

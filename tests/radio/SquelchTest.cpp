@@ -69,14 +69,6 @@ const Screen kScreens[] = {
      "error | Your settings has been saved.\rAsquelch = 0\rSquelch = 30", "SQUELCH=30 ASQUELCH=0", 1e13},
 };
 
-QStringList writes(const MemoryCommControl &port)
-{
-    QStringList seen;
-    for (const WireEvent &e : port.events())
-        if (e.kind == WireEvent::Kind::Write)
-            seen << SessionRig::shown(e.bytes);
-    return seen;
-}
 } // namespace
 
 class SquelchTest : public QObject
@@ -109,7 +101,7 @@ private slots:
             rig.prompts.expectMsgBox(QLatin1String(report)).withTitle(QStringLiteral("Squelch Level Saved"));
         spread ? SpreadSquelchWalk(rig.session) : SquelchWalk(rig.session);
         QVERIFY(rig.prompts.verify());
-        QCOMPARE(writes(rig.port), items(writesExpected));
+        QCOMPARE(SessionRig::writes(rig.port), items(writesExpected));
     }
 
     void screens_data() { addRows(kScreens); }
@@ -163,7 +155,7 @@ private slots:
         QVERIFY(prompts.verify());
         // What the search reads stands apart: the writes are compared without the carrier reads.
         const QStringList seen =
-            writes(link.port()).filter(QRegularExpression(QStringLiteral("^(?!inout 0,5)")));
+            SessionRig::writes(link.port()).filter(QRegularExpression(QStringLiteral("^(?!inout 0,5)")));
         const QStringList expected = items(row.writes);
         QVERIFY2(seen.join(u'|').contains(expected.join(u'|')), qPrintable(seen.join(u'|')));
         link.time().advance(1000);

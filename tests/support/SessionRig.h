@@ -33,13 +33,14 @@ struct SessionRig
                         : QStringLiteral("<%1>").arg(uchar(c), 2, 16, QLatin1Char('0')).toUpper();
         return text;
     }
-    // The writes, each as "ms:bytes".
-    QStringList transcript() const
+    // The writes to a port as shown, each as "ms:bytes" when timed.
+    static QStringList writes(const MemoryCommControl &port, bool timed = false)
     {
         QStringList lines;
         for (const WireEvent &e : port.events())
             if (e.kind == WireEvent::Kind::Write)
-                lines << QStringLiteral("%1:%2").arg(e.atMs).arg(shown(e.bytes));
+                lines << (timed ? QStringLiteral("%1:").arg(e.atMs) : QString()) + shown(e.bytes);
         return lines;
     }
+    QStringList transcript() const { return writes(port, true); }
 };

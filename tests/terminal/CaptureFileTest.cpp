@@ -63,14 +63,6 @@ class CaptureFileTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void modeNames()
-    {
-        QStringList names;
-        for (int mode = 0; mode <= 4; ++mode)
-            names << captureModeName(mode);
-        QCOMPARE(names.join(u'|'), QStringLiteral("|BINARY|VISIBLE|STANDARD|"));
-    }
-
     void texts_data() { addRows(kTextCases); }
     void texts()
     {

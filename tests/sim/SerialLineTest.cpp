@@ -1,6 +1,5 @@
 #include "SimRig.h"
 
-#include <QSignalSpy>
 #include <QTest>
 
 using sim::Scenario;
@@ -11,13 +10,6 @@ namespace {
 LineSettings line(const QString &text)
 {
     return *parseLineSettings(text);
-}
-
-Scenario throughTheAdaptor()
-{
-    Scenario s = Scenario::standard();
-    s.irAdaptor = true;
-    return s;
 }
 
 const QByteArray kModelReply("Model\r\nMODEL    = Q4U\r\nCMD:");
@@ -139,43 +131,6 @@ private slots:
         QVERIFY(exchange(link, "\x03").endsWith("CMD:"));
     }
 
-    // The adaptor takes commands after an RTS pulse and DTR low: D1 C0 is answered with C2, D0 03 45
-    // sets up the link, and DTR high puts it to work.
-    void irAdaptorStartsOnlyAfterItsPulseAndCommandBytes()
-    {
-        SimulatedModemLink link(throughTheAdaptor());
-        MemoryCommControl &port = link.port();
-        QCOMPARE(port.Settings(), QStringLiteral("9600,n,8,1"));
-        QCOMPARE(exchange(link, "\x03"), QByteArray());
-        port.setDTREnable(false);
-        QCOMPARE(exchange(link, "\xD1\xC0"), QByteArray());
-        QVERIFY(!link.line().adaptorReady());
-        port.setRTSEnable(false);
-        link.time().MsDelay(30);
-        port.setRTSEnable(true);
-        port.Output("\xD1");
-        port.Output("\xC0");
-        link.time().MsDelay(200);
-        QCOMPARE(port.Input(), QByteArray("\xC2"));
-        port.Output("\xD0");
-        port.Output("\x03");
-        port.Output("\x45");
-        link.time().MsDelay(100);
-        port.setDTREnable(true);
-        QVERIFY(link.line().adaptorReady());
-        // The modem behind it runs at 19200; the adaptor takes care of that. Of a burst only the
-        // first letter reaches the modem, which echoes it; single characters pass.
-        QCOMPARE(exchange(link, "\x03"), QByteArray("\r\nCMD:"));
-        QCOMPARE(exchange(link, "squelch\r"), QByteArray("s"));
-        QCOMPARE(exchange(link, "\x03"), QByteArray("\r\nCMD:"));
-        for (char c : QByteArray("squelch\r")) {
-            port.Output(QByteArray(1, c));
-            link.time().MsDelay(1);
-        }
-        link.time().MsDelay(500);
-        QCOMPARE(port.Input(), QByteArray("squelch\r\nSQUELCH  = 30\r\nCMD:"));
-    }
-
     void droppedAndGarbledBytes()
     {
         SimulatedModemLink link;
@@ -214,15 +169,6 @@ private slots:
         QVERIFY(!all.contains("CMD:"));
         // The modem is still there behind the noise.
         QVERIFY(exchange(link, "\x03").endsWith("CMD:"));
-    }
-
-    void hangUpClosesThePort()
-    {
-        SimulatedModemLink link;
-        QSignalSpy lost(&link.port(), &CommControl::lineLost);
-        link.line().hangUp();
-        QCOMPARE(lost.count(), 1);
-        QVERIFY(!link.port().PortOpen());
     }
 };
 

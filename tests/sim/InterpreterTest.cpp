@@ -34,15 +34,6 @@ private slots:
     {
         QTest::addColumn<QString>("scenario");
         QTest::addColumn<QByteArray>("session");
-        QTest::newRow("value lines") << QString()
-                                     << QByteArray("Model\nMODEL    = Q4U\n"
-                                                   "CMD:s/n\nS/N      = 14210\n"
-                                                   "CMD:setc\nSETCON   = 0\n"
-                                                   "CMD:asquelch\nASQUELCH = 40\n"
-                                                   "CMD:comrate\nCOMRATE  = 40\n"
-                                                   "CMD:sel/a1\nA1   = 8\n"
-                                                   "CMD:hour\nHOURS    = 1234\n"
-                                                   "CMD:");
         QTest::newRow("limits and refusals") << QString()
                                              << QByteArray("frobnicate\nINVALID\n"
                                                            "CMD:MODE\nAMBIGUOUS\n"

@@ -1,9 +1,5 @@
 #include "CalcFreq.h"
 
-#include "ModemParams.h"
-#include "ModemSession.h"
-#include "ScriptedPrompts.h"
-#include "SimulatedModemLink.h"
 #include "Tables.h"
 #include "TextRules.h"
 
@@ -126,15 +122,6 @@ QString apply(const QString &rule, const QString &a, const QString &b)
     });
 }
 
-// Units of each kind: model, option, serial number, and a frequency set on them.
-const char *const kReadbacks[][5] = {
-    {"old case Q4Y", "Q4Y", "0", "5000", "150.0125"},
-    {"old case Q4U", "Q4U", "0", "9000", "463.2125"},
-    {"new case Q4U", "Q4U", "0", "14210", "463.2125"},
-    {"new case Q4Y, 5 kHz", "Q4Y", "32", "14210", "150.015"},
-    {"SA8026 Q4Y, fractional n1", "Q4Y", "2", "14210", "150.0125"},
-    {"SA8026 Q4U, fractional n1", "Q4U", "2", "14210", "463.2125"},
-};
 } // namespace
 
 class CalcFreqTest : public QObject
@@ -240,35 +227,6 @@ private slots:
         const auto &[name, rule, argument, result] = fetchRow(kRules);
         const QStringList a = QString::fromLatin1(argument).split(u' ');
         QCOMPARE(apply(QLatin1String(rule), a[0], a[1]), QLatin1String(result));
-    }
-
-    void latchesSentToTheModemReadBackAsTheFrequency_data() { addRows(kReadbacks); }
-    void latchesSentToTheModemReadBackAsTheFrequency()
-    {
-        const auto &[name, model, optionText, serialText, frequency] = fetchRow(kReadbacks);
-        const int option = atoi(optionText), serial = atoi(serialText);
-        sim::Scenario scenario = sim::Scenario::standard();
-        scenario.modems[0].model = QLatin1String(model);
-        scenario.modems[0].option = option;
-        scenario.modems[0].serial = serial;
-        sim::SimulatedModemLink link(scenario);
-        ScriptedPrompts prompts(&link.time());
-        ModemSession session(link.port(), link.time(), prompts);
-
-        const LatchScheme scheme = chooseLatchScheme(option, serial);
-        double a1 = 0, n1 = 0, n2 = 0;
-        freqToLatches(scheme, QLatin1String(model), QLatin1String(frequency), option, a1, n1, n2);
-        session.sendCommand(QStringLiteral("Sel/N1 %1:Sel/A1 %2:Sel/N2 %3:Lat")
-                                .arg(numberText(n1), numberText(a1), numberText(n2))
-                                .toLatin1());
-        QVERIFY(session.WaitForReply("CMD:", 1000));
-
-        double readA1 = -1, readN1 = -1, readN2 = -1, squelch = -1;
-        ReadLatches(session, readA1, readN1, readN2, squelch);
-        QVERIFY(prompts.verify());
-        QCOMPARE(latches(readA1, readN1, readN2), latches(a1, std::trunc(n1), n2));
-        const double back = latchesToFreq(scheme, QLatin1String(model), readA1, readN1, readN2, option);
-        QCOMPARE(QString::number(back, 'f', 4), QString::number(QByteArray(frequency).toDouble(), 'f', 4));
     }
 };
 

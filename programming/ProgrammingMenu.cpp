@@ -12,6 +12,8 @@
 #include "Prompts.h"
 #include "RemoteAddress.h"
 #include "RemoteProgramming.h"
+#include "Transparent.h"
+#include "TransparentSetup.h"
 
 #include <QCloseEvent>
 #include <QGridLayout>
@@ -41,6 +43,15 @@ QString welcomeText()
                "command list for download to your Varnel or saved as a file for future use.") +
            paragraphBreak +
            QStringLiteral("For PLC Programming, click on Varnel Programming in above menu and select PLC.");
+}
+
+// A set-up form starts from an empty list and only appends to it.
+template <typename Form> void openSetupForm(ProgrammingMenu &menu, ModemSession &session)
+{
+    menu.savePrompt();
+    (new Form(
+         session, [&menu](const QString &line) { menu.AddCommand(line); }, &menu))
+        ->show();
 }
 
 QPushButton *button(QWidget *parent, const char *name, const QString &caption, const QString &toolTip = {})
@@ -142,10 +153,17 @@ void ProgrammingMenu::buildMenus()
             this, &ProgrammingMenu::close);
 
     QMenu *mnuprog = namedMenu(menuBar(), "mnuprog", QStringLiteral("&Varnel Programming"));
-    later(namedEntry(mnuprog, "mnutrans", QStringLiteral("Transparent")));
+    connect(namedEntry(mnuprog, "mnutrans", QStringLiteral("Transparent")), &QAction::triggered, this,
+            [this] { openSetupForm<Transparent>(*this, m_session); });
     later(namedEntry(mnuprog, "mnuplc", QStringLiteral("PLC")));
     QMenu *mnurtn = namedMenu(mnuprog, "mnurtn", QStringLiteral("RTN"));
-    later(namedEntry(mnurtn, "mnuradioip", QStringLiteral("Radio/IP")));
+    connect(namedEntry(mnurtn, "mnuradioip", QStringLiteral("Radio/IP")), &QAction::triggered, this, [this] {
+        m_cmboedit->addLines(radioIpProgram());
+        m_session.prompts().MsgBox(QStringLiteral("The software commands necessary to operate with Radio/IP "
+                                                  "software have been added to the Command List"),
+                                   MsgButtons::OkOnly, MsgIcon::Information,
+                                   QStringLiteral("Radio/IP Configuration"));
+    });
     connect(namedEntry(mnuprog, "mnucustom", QStringLiteral("Custom")), &QAction::triggered, this,
             &ProgrammingMenu::showCustomListing);
 

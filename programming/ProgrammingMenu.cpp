@@ -6,6 +6,7 @@
 #include "CommandListBox.h"
 #include "ModemSession.h"
 #include "Named.h"
+#include "Plc.h"
 #include "PortClaim.h"
 #include "ProgramFile.h"
 #include "ProgramTransfer.h"
@@ -155,7 +156,8 @@ void ProgrammingMenu::buildMenus()
     QMenu *mnuprog = namedMenu(menuBar(), "mnuprog", QStringLiteral("&Varnel Programming"));
     connect(namedEntry(mnuprog, "mnutrans", QStringLiteral("Transparent")), &QAction::triggered, this,
             [this] { openSetupForm<Transparent>(*this, m_session); });
-    later(namedEntry(mnuprog, "mnuplc", QStringLiteral("PLC")));
+    connect(namedEntry(mnuprog, "mnuplc", QStringLiteral("PLC")), &QAction::triggered, this,
+            [this] { openSetupForm<PLC>(*this, m_session); });
     QMenu *mnurtn = namedMenu(mnuprog, "mnurtn", QStringLiteral("RTN"));
     connect(namedEntry(mnurtn, "mnuradioip", QStringLiteral("Radio/IP")), &QAction::triggered, this, [this] {
         m_cmboedit->addLines(radioIpProgram());

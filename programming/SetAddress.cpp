@@ -3,7 +3,7 @@
 #include "AppError.h"
 #include "ModemSession.h"
 #include "Named.h"
-#include "TransparentSetup.h"
+#include "PlcSetup.h"
 #include "Prompts.h"
 
 #include <QGridLayout>
@@ -47,6 +47,11 @@ SetAddress::SetAddress(ModemSession &session, std::function<void(const QString &
     grid->addWidget(cmdoksetadd, 4, 1);
     grid->addWidget(cmdcancel2, 4, 2);
 
+    // A controller's key names its protocol in the title and the instructions.
+    if (const std::optional<AddressFormText> words = plcAddressFormText(m_session.ProgMode)) {
+        setWindowTitle(words->title);
+        lblDescription->setText(words->text);
+    }
     // The global program goes to every modem: its destination is fixed.
     if (m_session.ProgMode == kAutoglobalMode) {
         txtDestinationAdd->setText(kGlobalDestination);

@@ -1,12 +1,12 @@
 #include "Plc.h"
 
-#include "AppError.h"
 #include "ModemSession.h"
 #include "Named.h"
 #include "PlcSetup.h"
 #include "Prompts.h"
 #include "Routing.h"
 #include "SetAddress.h"
+#include "SetupForms.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -39,7 +39,7 @@ std::array<QRadioButton *, 2> yesNo(const char *name, QGroupBox *frame, QBoxLayo
 }
 } // namespace
 
-PLC::PLC(ModemSession &session, std::function<void(const QString &)> addCommand, QWidget *parent)
+PLC::PLC(ModemSession &session, AddCommandHook addCommand, QWidget *parent)
     : QWidget(parent, Qt::Window), cmbPLC(named<QComboBox>("cmbPLC", this)),
       cmdContinue(named<QPushButton>("cmdContinue", QStringLiteral("Continue"), this)),
       cmdexitplc(named<QPushButton>("cmdexitplc", QStringLiteral("Exit PLCs"), this)), m_session(session),
@@ -87,8 +87,7 @@ void PLC::cmdContinue_Click()
     close();
 }
 
-PLCDescript::PLCDescript(ModemSession &session, std::function<void(const QString &)> addCommand,
-                         QWidget *parent)
+PLCDescript::PLCDescript(ModemSession &session, AddCommandHook addCommand, QWidget *parent)
     : QWidget(parent, Qt::Window), lblproduct(wrapped("lblproduct", {}, this)),
       frmAdd(named<QGroupBox>("frmAdd", QStringLiteral("Step 2 - Addressing"), this)),
       txtAdd(named<QLineEdit>("txtAdd", frmAdd)),
@@ -230,30 +229,19 @@ void PLCDescript::showRepeaters(bool shown)
 
 void PLCDescript::cmdCL_Click()
 {
-    Prompts &prompts = m_session.prompts();
-    SetupProgram program;
-    if (!attempt(prompts, [&] {
-            program = plcProgram(m_key, {m_master,
-                                         txtAdd->text(),
-                                         txtDes->text(),
-                                         {txtRep[0]->text(), txtRep[1]->text(), txtRep[2]->text()},
-                                         cboProtocol->currentText(),
-                                         cboError->currentText()});
-        }))
-        return;
-    if (!program.faultText.isEmpty()) {
-        if (program.clearRepeaters)
-            for (QLineEdit *field : txtRep)
-                field->clear();
-        prompts.MsgBox(program.faultText, MsgButtons::OkOnly, MsgIcon::Exclamation);
-        return;
-    }
-    for (const QString &line : std::as_const(program.lines))
-        m_addCommand(line);
-    close();
+    const PlcAnswers answers{m_master,
+                             txtAdd->text(),
+                             txtDes->text(),
+                             fieldTexts(txtRep),
+                             cboProtocol->currentText(),
+                             cboError->currentText()};
+    if (runSetupStep(
+            m_session.prompts(), [this, &answers] { return plcProgram(m_key, answers); }, m_addCommand,
+            txtRep))
+        close();
 }
 
-SquareD::SquareD(std::function<void(const QString &)> addCommand, QWidget *parent)
+SquareD::SquareD(AddCommandHook addCommand, QWidget *parent)
     : QWidget(parent, Qt::Window), txtFence(named<QLineEdit>("txtFence", QStringLiteral("1"), this)),
       Command1(named<QPushButton>("Command1", QStringLiteral("Add Fence"), this)),
       m_addCommand(std::move(addCommand))

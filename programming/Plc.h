@@ -1,8 +1,9 @@
 #pragma once
 
+#include "SetupForms.h"
+
 #include <QWidget>
 #include <array>
-#include <functional>
 
 class ModemSession;
 class QComboBox;
@@ -18,7 +19,7 @@ class PLC : public QWidget
 {
     Q_OBJECT
 public:
-    PLC(ModemSession &session, std::function<void(const QString &)> addCommand, QWidget *parent);
+    PLC(ModemSession &session, AddCommandHook addCommand, QWidget *parent);
 
     QLabel *lblPLCframe;
     QComboBox *cmbPLC;
@@ -29,7 +30,7 @@ private:
     void cmdContinue_Click();
 
     ModemSession &m_session;
-    std::function<void(const QString &)> m_addCommand;
+    AddCommandHook m_addCommand;
 };
 
 // The four steps of a controller's program: master or remote, addresses, repeaters, protocol.
@@ -37,7 +38,7 @@ class PLCDescript : public QWidget
 {
     Q_OBJECT
 public:
-    PLCDescript(ModemSession &session, std::function<void(const QString &)> addCommand, QWidget *parent);
+    PLCDescript(ModemSession &session, AddCommandHook addCommand, QWidget *parent);
 
     QLabel *lblproduct;
     std::array<QRadioButton *, 2> optPLCMast{};
@@ -65,7 +66,7 @@ private:
     void cmdCL_Click();
 
     ModemSession &m_session;
-    std::function<void(const QString &)> m_addCommand;
+    AddCommandHook m_addCommand;
     QString m_key;
     bool m_master = false;
 };
@@ -76,11 +77,11 @@ class SquareD : public QWidget
 {
     Q_OBJECT
 public:
-    SquareD(std::function<void(const QString &)> addCommand, QWidget *parent);
+    SquareD(AddCommandHook addCommand, QWidget *parent);
 
     QLineEdit *txtFence;
     QPushButton *Command1;
 
 private:
-    std::function<void(const QString &)> m_addCommand;
+    AddCommandHook m_addCommand;
 };

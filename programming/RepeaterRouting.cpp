@@ -12,9 +12,9 @@ bool isAddress(double value)
 }
 } // namespace
 
-RouteOutcome routeLines(RoutingCounters &counters, const RouteAnswers &answers, RouteAction action)
+SetupProgram routeLines(RoutingCounters &counters, const RouteAnswers &answers, RouteAction action)
 {
-    RouteOutcome out;
+    SetupProgram out;
     const auto fault = [&out](const QString &text, MsgIcon icon = MsgIcon::Exclamation) {
         out.faultText = text;
         out.faultIcon = icon;

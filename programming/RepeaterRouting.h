@@ -1,8 +1,7 @@
 #pragma once
 
-#include "Prompts.h"
+#include "SetupProgram.h"
 
-#include <QStringList>
 #include <array>
 
 // Routes of a master modem on a controller network: one ROUTE line names a chain of repeaters, the
@@ -29,13 +28,5 @@ enum class RouteAction {
     More  // more address rows for the route being entered
 };
 
-struct RouteOutcome
-{
-    QStringList lines; // to append, also those made before a fault
-    QString faultText; // the box to show, empty when everything went
-    MsgIcon faultIcon = MsgIcon::Exclamation;
-    bool clearRepeaters = false;
-};
-
 // Makes the lines of one press of a routing button and moves the counters on as far as lines were made.
-RouteOutcome routeLines(RoutingCounters &counters, const RouteAnswers &answers, RouteAction action);
+SetupProgram routeLines(RoutingCounters &counters, const RouteAnswers &answers, RouteAction action);

@@ -1,9 +1,9 @@
 #include "Routing.h"
 
-#include "AppError.h"
 #include "ModemSession.h"
 #include "Named.h"
 #include "Prompts.h"
+#include "SetupForms.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -83,7 +83,7 @@ void RouteFields::clear() const
         box->setChecked(false);
 }
 
-Routing::Routing(ModemSession &session, std::function<void(const QString &)> addCommand, QWidget *parent)
+Routing::Routing(ModemSession &session, AddCommandHook addCommand, QWidget *parent)
     : QWidget(parent, Qt::Window), fields(frame(QStringLiteral("Repeater Routing"), this)),
       cmdNext(named<QPushButton>("cmdNext",
                                  QStringLiteral("     Add This Route To                Command List"), this)),
@@ -116,26 +116,13 @@ Routing::Routing(ModemSession &session, std::function<void(const QString &)> add
 
 bool Routing::addRoute(RouteAction action)
 {
-    Prompts &prompts = m_session.prompts();
-    RouteAnswers answers;
-    for (size_t i = 0; i < answers.repeaters.size(); ++i)
-        answers.repeaters[i] = fields.txtRep[i]->text();
-    for (size_t i = 0; i < answers.addresses.size(); ++i)
-        answers.addresses[i] = fields.txtAdd[i]->text();
+    RouteAnswers answers{fieldTexts(fields.txtRep), fieldTexts(fields.txtAdd), {}};
     for (size_t i = 0; i < answers.group.size(); ++i)
         answers.group[i] = fields.chkGroup[i]->isChecked();
-    RouteOutcome out;
-    if (!attempt(prompts, [&] { out = routeLines(m_counters, answers, action); }))
+    if (!runSetupStep(
+            m_session.prompts(), [this, &answers, action] { return routeLines(m_counters, answers, action); },
+            m_addCommand, fields.txtRep))
         return false;
-    for (const QString &line : std::as_const(out.lines))
-        m_addCommand(line);
-    if (!out.faultText.isEmpty()) {
-        if (out.clearRepeaters)
-            for (QLineEdit *field : fields.txtRep)
-                field->clear();
-        prompts.MsgBox(out.faultText, MsgButtons::OkOnly, out.faultIcon);
-        return false;
-    }
     fields.showRoute(m_counters.route);
     fields.clear();
     return true;

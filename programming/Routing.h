@@ -1,10 +1,10 @@
 #pragma once
 
 #include "RepeaterRouting.h"
+#include "SetupForms.h"
 
 #include <QWidget>
 #include <array>
-#include <functional>
 
 class ModemSession;
 class QCheckBox;
@@ -32,7 +32,7 @@ class Routing : public QWidget
 {
     Q_OBJECT
 public:
-    Routing(ModemSession &session, std::function<void(const QString &)> addCommand, QWidget *parent);
+    Routing(ModemSession &session, AddCommandHook addCommand, QWidget *parent);
 
     RouteFields fields;
     QPushButton *cmdNext;
@@ -46,7 +46,7 @@ private:
     void cmdExit_Click();
 
     ModemSession &m_session;
-    std::function<void(const QString &)> m_addCommand;
+    AddCommandHook m_addCommand;
     RoutingCounters m_counters;
 };
 

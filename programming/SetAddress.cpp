@@ -1,18 +1,16 @@
 #include "SetAddress.h"
 
-#include "AppError.h"
 #include "ModemSession.h"
 #include "Named.h"
 #include "PlcSetup.h"
-#include "Prompts.h"
+#include "SetupForms.h"
 
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
-SetAddress::SetAddress(ModemSession &session, std::function<void(const QString &)> addCommand,
-                       QWidget *parent)
+SetAddress::SetAddress(ModemSession &session, AddCommandHook addCommand, QWidget *parent)
     : QWidget(parent, Qt::Window), lblDescription(named<QLabel>("lblDescription", this)),
       txtConnectedAdd(named<QLineEdit>("txtConnectedAdd", this)),
       txtDestinationAdd(named<QLineEdit>("txtDestinationAdd", this)),
@@ -64,22 +62,12 @@ SetAddress::SetAddress(ModemSession &session, std::function<void(const QString &
 
 void SetAddress::cmdoksetadd_Click()
 {
-    Prompts &prompts = m_session.prompts();
-    SetupProgram program;
-    if (!attempt(prompts, [&] {
-            program = autoConnectProgram({txtConnectedAdd->text(),
-                                          txtDestinationAdd->text(),
-                                          {txtRep[0]->text(), txtRep[1]->text(), txtRep[2]->text()}});
-        }))
-        return;
-    if (!program.faultText.isEmpty()) {
-        if (program.clearRepeaters)
-            for (QLineEdit *field : txtRep)
-                field->clear();
-        prompts.MsgBox(program.faultText, MsgButtons::OkOnly, MsgIcon::Exclamation);
-        return;
-    }
-    for (const QString &line : std::as_const(program.lines))
-        m_addCommand(line);
-    close();
+    if (runSetupStep(
+            m_session.prompts(),
+            [this] {
+                return autoConnectProgram(
+                    {txtConnectedAdd->text(), txtDestinationAdd->text(), fieldTexts(txtRep)});
+            },
+            m_addCommand, txtRep))
+        close();
 }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "SetupForms.h"
+
 #include <QWidget>
 #include <array>
-#include <functional>
 
 class ModemSession;
 class QLabel;
@@ -16,7 +17,7 @@ class SetAddress : public QWidget
 {
     Q_OBJECT
 public:
-    SetAddress(ModemSession &session, std::function<void(const QString &)> addCommand, QWidget *parent);
+    SetAddress(ModemSession &session, AddCommandHook addCommand, QWidget *parent);
 
     QLabel *lblDescription;
     QLineEdit *txtConnectedAdd;
@@ -29,5 +30,5 @@ private:
     void cmdoksetadd_Click();
 
     ModemSession &m_session;
-    std::function<void(const QString &)> m_addCommand;
+    AddCommandHook m_addCommand;
 };

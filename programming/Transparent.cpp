@@ -1,10 +1,10 @@
 #include "Transparent.h"
 
-#include "AppError.h"
 #include "ModemSession.h"
 #include "Named.h"
 #include "Prompts.h"
 #include "SetAddress.h"
+#include "SetupForms.h"
 #include "TransparentSetup.h"
 
 #include <QCheckBox>
@@ -67,8 +67,7 @@ QLabel *caption(const char *name, const QString &text, QWidget *parent)
 }
 } // namespace
 
-Transparent::Transparent(ModemSession &session, std::function<void(const QString &)> addCommand,
-                         QWidget *parent)
+Transparent::Transparent(ModemSession &session, AddCommandHook addCommand, QWidget *parent)
     : QWidget(parent, Qt::Window), lblDescription(named<QLabel>("lblDescription", this)),
       cmdOKtrans(named<QPushButton>("cmdOKtrans", QStringLiteral("OK"), this)),
       cmdtranscancel(named<QPushButton>("cmdtranscancel", QStringLiteral("Cancel"), this)),
@@ -122,7 +121,7 @@ void Transparent::cmdOKtrans_Click()
     close();
 }
 
-Custom::Custom(ModemSession &session, std::function<void(const QString &)> addCommand, QWidget *parent)
+Custom::Custom(ModemSession &session, AddCommandHook addCommand, QWidget *parent)
     : QWidget(parent, Qt::Window), txtadd5(named<QLineEdit>("txtadd5", this)),
       txtsetc(named<QLineEdit>("txtsetc", this)), cboTermc(named<QComboBox>("cboTermc", this)),
       txttermt(named<QLineEdit>("txttermt", QStringLiteral("10"), this)),
@@ -202,15 +201,7 @@ void Custom::cmdadding_Click()
             answers.flow = int(i);
     for (size_t i = 0; i < Check1.size(); ++i)
         answers.checks[i] = Check1[i]->isChecked();
-    Prompts &prompts = m_session.prompts();
-    SetupProgram program;
-    if (!attempt(prompts, [&] { program = customProgram(answers); }))
-        return;
-    for (const QString &line : std::as_const(program.lines))
-        m_addCommand(line);
-    if (!program.faultText.isEmpty()) {
-        prompts.MsgBox(program.faultText, MsgButtons::OkOnly, MsgIcon::Exclamation);
-        return;
-    }
-    close();
+    if (runSetupStep(
+            m_session.prompts(), [&answers] { return customProgram(answers); }, m_addCommand))
+        close();
 }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "SetupForms.h"
+
 #include <QWidget>
 #include <array>
-#include <functional>
 
 class ModemSession;
 class QCheckBox;
@@ -18,7 +19,7 @@ class Transparent : public QWidget
 {
     Q_OBJECT
 public:
-    Transparent(ModemSession &session, std::function<void(const QString &)> addCommand, QWidget *parent);
+    Transparent(ModemSession &session, AddCommandHook addCommand, QWidget *parent);
 
     std::array<QRadioButton *, 3> opttrans{};
     QLabel *lblDescription;
@@ -29,7 +30,7 @@ private:
     void cmdOKtrans_Click();
 
     ModemSession &m_session;
-    std::function<void(const QString &)> m_addCommand;
+    AddCommandHook m_addCommand;
 };
 
 // "Custom Transparent Configuration": a transparent program made of the commands the user picks.
@@ -37,7 +38,7 @@ class Custom : public QWidget
 {
     Q_OBJECT
 public:
-    Custom(ModemSession &session, std::function<void(const QString &)> addCommand, QWidget *parent);
+    Custom(ModemSession &session, AddCommandHook addCommand, QWidget *parent);
 
     QLineEdit *txtadd5;
     QLineEdit *txtsetc;
@@ -59,5 +60,5 @@ private:
     void cmdadding_Click();
 
     ModemSession &m_session;
-    std::function<void(const QString &)> m_addCommand;
+    AddCommandHook m_addCommand;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QStringList>
+#include "SetupProgram.h"
+
 #include <array>
 
 // The transparent programs, in which the modem carries serial data without knowing the protocol of
@@ -12,14 +13,6 @@ inline const QString kAutoconnMode = QStringLiteral("Autoconn");
 inline const QString kAutoglobalMode = QStringLiteral("Autoglobal");
 // The destination of the global program: every modem hears it.
 inline const QString kGlobalDestination = QStringLiteral("255");
-
-// The lines of a program, or the box to show; faultText empty when the answers were good.
-struct SetupProgram
-{
-    QStringList lines; // to append, also those made before a fault
-    QString faultText;
-    bool clearRepeaters = false; // a gap among the repeaters empties all three fields
-};
 
 // The address form: the connected modem, the destination and up to three repeaters in front of it.
 struct AddressAnswers

@@ -1,9 +1,6 @@
 #include "Plc.h"
 
-#include "CommandListBox.h"
 #include "Golden.h"
-#include "ProgrammingMenu.h"
-#include "SessionRig.h"
 #include "WizardSteps.h"
 
 namespace {
@@ -23,17 +20,7 @@ const std::string kModbus = remote("Modicon/Modbus", "RTU");
 const char *const kSame =
     "!Your Repeater Address Must Be Different From the Connected and Destination Addresses";
 
-// Steps from the programming screen, the boxes in turn, the command list after, and the windows
-// left open besides the programming screen.
-struct Case
-{
-    const char *name;
-    std::string steps;
-    std::string boxes;
-    const char *lines;
-    const char *open;
-};
-const Case kCases[] = {
+const wizard::Case kCases[] = {
     {"Siemens takes the address form",
      "ProgrammingMenu.mnuplc | PLC.cmbPLC=Siemens | PLC.lblPLCframe==Configure the Varnel to work with "
      "SIEMENS "
@@ -158,15 +145,8 @@ private slots:
     void cases_data() { addRows(kCases); }
     void cases()
     {
-        const Case &c = fetchRow(kCases);
-        SessionRig rig(CommControl::kAutoProcessProgram);
-        ProgrammingMenu menu(rig.session);
-        menu.show();
-        wizard::expectBoxes(rig.prompts, c.boxes.c_str());
-        wizard::steps(c.steps.c_str());
-        QVERIFY(rig.prompts.verify());
-        wizard::compareLines(menu.cmboedit().lines(), c.lines);
-        QCOMPARE(wizard::openWindows(menu.objectName()), QLatin1String(c.open));
+        const wizard::Case &c = fetchRow(kCases);
+        wizard::run(c);
     }
 
     void screens()

@@ -1,9 +1,6 @@
 #include "Routing.h"
 
-#include "CommandListBox.h"
 #include "Golden.h"
-#include "ProgrammingMenu.h"
-#include "SessionRig.h"
 #include "WizardSteps.h"
 
 namespace {
@@ -17,16 +14,7 @@ const char *const kNoAddress = "-You must supply at least one Varnel address per
 const char *const kMore = "*The Address Groups Have Been Added To Your Command List.";
 const char *const kDone = "*Your Routing Information Has Been Added To The Command List";
 
-// Steps on the routing form, the boxes in turn, the command list after, and the windows left open.
-struct Case
-{
-    const char *name;
-    std::string steps;
-    std::string boxes;
-    const char *lines;
-    const char *open;
-};
-const Case kCases[] = {
+const wizard::Case kCases[] = {
     {"a group", "Routing.txtRep(0)=5 | Routing.txtAdd(0)=25 | Routing.txtAdd(4)=28 | Routing.cmdNext", "",
      "ROUTE 1,5, | APPEND 1,1,25,28,*", "Routing"},
     {"a checked group, then the form is empty",
@@ -97,17 +85,12 @@ private slots:
     void cases_data() { addRows(kCases); }
     void cases()
     {
-        const Case &c = fetchRow(kCases);
-        SessionRig rig(CommControl::kAutoProcessProgram);
-        ProgrammingMenu menu(rig.session);
-        (new Routing(
-             rig.session, [&menu](const QString &line) { menu.AddCommand(line); }, &menu))
-            ->show();
-        wizard::expectBoxes(rig.prompts, c.boxes.c_str());
-        wizard::steps(c.steps.c_str());
-        QVERIFY(rig.prompts.verify());
-        wizard::compareLines(menu.cmboedit().lines(), c.lines);
-        QCOMPARE(wizard::openWindows(menu.objectName()), QLatin1String(c.open));
+        const wizard::Case &c = fetchRow(kCases);
+        wizard::run(c, [](ModemSession &session, ProgrammingMenu &menu) {
+            (new Routing(
+                 session, [&menu](const QString &line) { menu.AddCommand(line); }, &menu))
+                ->show();
+        });
     }
 
     void screens()

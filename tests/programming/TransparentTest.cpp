@@ -1,9 +1,6 @@
 #include "Transparent.h"
 
-#include "CommandListBox.h"
 #include "Golden.h"
-#include "ProgrammingMenu.h"
-#include "SessionRig.h"
 #include "SetAddress.h"
 #include "WizardSteps.h"
 
@@ -22,17 +19,7 @@ const char *const kRadioIp =
     "*The software commands necessary to operate with Radio/IP software have been added to "
     "the Command List^Radio/IP Configuration";
 
-// Steps from the programming screen, the boxes in turn, the command list after, and the windows
-// left open besides the programming screen.
-struct Case
-{
-    const char *name;
-    std::string steps;
-    std::string boxes;
-    std::string lines;
-    const char *open;
-};
-const Case kCases[] = {
+const wizard::Case kCases[] = {
     {"auto connect", kAuto + "SetAddress.==Auto Connect Transparent | SetAddress.cmdoksetadd", "", kSixLines,
      ""},
     {"auto connect through repeaters",
@@ -150,15 +137,8 @@ private slots:
     void cases_data() { addRows(kCases); }
     void cases()
     {
-        const Case &c = fetchRow(kCases);
-        SessionRig rig(CommControl::kAutoProcessProgram);
-        ProgrammingMenu menu(rig.session);
-        menu.show();
-        wizard::expectBoxes(rig.prompts, c.boxes.c_str());
-        wizard::steps(c.steps.c_str());
-        QVERIFY(rig.prompts.verify());
-        wizard::compareLines(menu.cmboedit().lines(), c.lines.c_str());
-        QCOMPARE(wizard::openWindows(menu.objectName()), QLatin1String(c.open));
+        const wizard::Case &c = fetchRow(kCases);
+        wizard::run(c);
     }
 
     void screens()

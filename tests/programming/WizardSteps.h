@@ -1,6 +1,8 @@
 #pragma once
 
-#include "ScriptedPrompts.h"
+#include "CommandListBox.h"
+#include "ProgrammingMenu.h"
+#include "SessionRig.h"
 #include "Tables.h"
 
 #include <QAbstractButton>
@@ -139,5 +141,35 @@ inline void compareLines(const QStringList &lines, const char *expected)
         count = tail.takeFirst().mid(1).toInt();
     QCOMPARE(lines.size(), count);
     QCOMPARE(lines.mid(count - tail.size()), tail);
+}
+
+// A case from the programming screen: the steps, the boxes in turn, the command list after, and the
+// windows left open besides the programming screen.
+struct Case
+{
+    const char *name;
+    std::string steps;
+    std::string boxes;
+    std::string lines;
+    const char *open;
+};
+
+// Runs a case with the form that opens(session, screen) opened first: the boxes are expected, the
+// steps done, then the list and the windows left open are compared.
+template <typename Opener> void run(const Case &c, Opener &&opens)
+{
+    SessionRig rig(CommControl::kAutoProcessProgram);
+    ProgrammingMenu menu(rig.session);
+    menu.show();
+    opens(rig.session, menu);
+    expectBoxes(rig.prompts, c.boxes.c_str());
+    steps(c.steps.c_str());
+    QVERIFY(rig.prompts.verify());
+    compareLines(menu.cmboedit().lines(), c.lines.c_str());
+    QCOMPARE(openWindows(menu.objectName()), QLatin1String(c.open));
+}
+inline void run(const Case &c)
+{
+    run(c, [](ModemSession &, ProgrammingMenu &) {});
 }
 } // namespace wizard

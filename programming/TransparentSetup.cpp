@@ -73,7 +73,7 @@ SetupProgram customProgram(const CustomAnswers &answers)
     const QStringList flowLines[] = {{QStringLiteral("XSF ON")},
                                      {QStringLiteral("XSF OFF"), QStringLiteral("XHF ON")},
                                      {QStringLiteral("XSF OFF"), QStringLiteral("XHF OFF")}};
-    if (answers.flow >= 0 && answers.flow < int(std::size(flowLines)))
+    if (answers.flow >= 0)
         lines << flowLines[answers.flow];
     // The first two boxes switch a feature on; the other five are on in the modem and switch it off.
     const char *const checkLines[] = {"DTR ON",   "DISACK ON",  "AUTOLF OFF", "ECHO OFF",

@@ -99,7 +99,9 @@ const wizard::Case kCases[] = {
      "!Your Address Must Be Between 1 and 254", "", "PLCDescript"},
     {"connected address 0", kModbus + "PLCDescript.txtAdd=0 | PLCDescript.cmdCL",
      "!Your Address Must Be Between 1 and 254", "", "PLCDescript"},
-    {"destination same as connected", kModbus + "PLCDescript.txtDes=5 | PLCDescript.cmdCL",
+    {"destination same as connected",
+     kModbus +
+         "PLCDescript.txtDes=5 | PLCDescript.txtRep(0)=9 | PLCDescript.cmdCL | PLCDescript.txtRep(0)==9",
      "!Your Destation and Connected Address Must Be Different", "", "PLCDescript"},
     {"no destination", kModbus + "PLCDescript.txtDes=0 | PLCDescript.cmdCL",
      "!You Must Type In An Address For The Destination Varnel/PLC", "", "PLCDescript"},

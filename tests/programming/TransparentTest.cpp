@@ -32,6 +32,8 @@ const wizard::Case kCases[] = {
      "", "ADD 254 | SETC 1,255 | XSF OFF | TERMC ON | TERMT 10 | TRANS ON", ""},
     {"the destination as a whole number",
      kAuto + "SetAddress.txtDestinationAdd=12.5 | SetAddress.cmdoksetadd", "", kSixLines, ""},
+    {"destination 1", kAuto + "SetAddress.txtDestinationAdd=1 | SetAddress.cmdoksetadd", "",
+     "ADD 5 | SETC 1 | XSF OFF | TERMC ON | TERMT 10 | TRANS ON", ""},
     {"broadcast as destination", kAuto + "SetAddress.txtDestinationAdd=255 | SetAddress.cmdoksetadd", "",
      "ADD 5 | SETC 255 | XSF OFF | TERMC ON | TERMT 10 | TRANS ON", ""},
     {"the old list offered and cleared", "ProgrammingMenu.mnuradioip | " + kAuto + "SetAddress.cmdoksetadd",

@@ -3,6 +3,7 @@
 #include "AppError.h"
 #include "BusyPointer.h"
 #include "CommControl.h"
+#include "CommandDialogs.h"
 #include "CommandListBox.h"
 #include "ModemSession.h"
 #include "Named.h"
@@ -128,8 +129,9 @@ ProgrammingMenu::~ProgrammingMenu() = default;
 
 void ProgrammingMenu::buildMenus()
 {
-    // The entries built here lead to what this screen does itself. The others stand in the menu
-    // disabled until the dialog or form they open is part of the program.
+    // The entries built here lead to what this screen does itself, or to the command dialogs, which are
+    // connected by their names at the end. The others stand in the menu disabled until the dialog or
+    // form they open is part of the program.
     const auto later = [](QAction *action) { action->setEnabled(false); };
 
     QMenu *mnufile = namedMenu(menuBar(), "mnufile", QStringLiteral("&File"));
@@ -171,65 +173,67 @@ void ProgrammingMenu::buildMenus()
 
     QMenu *mnusoft = namedMenu(menuBar(), "mnusoft", QStringLiteral("&Software Commands"));
     QMenu *mnumodes = namedMenu(mnusoft, "mnumodes", QStringLiteral("Modes of Operation"));
-    later(namedEntry(mnumodes, "mnucommmode", QStringLiteral("Command Mode")));
-    later(namedEntry(mnumodes, "mnuconv", QStringLiteral("Converse Mode")));
-    later(namedEntry(mnumodes, "mnuremoteprog", QStringLiteral("Remote Programming")));
-    later(namedEntry(mnumodes, "mnudigi", QStringLiteral("Digi-Repeating")));
+    namedEntry(mnumodes, "mnucommmode", QStringLiteral("Command Mode"));
+    namedEntry(mnumodes, "mnuconv", QStringLiteral("Converse Mode"));
+    namedEntry(mnumodes, "mnuremoteprog", QStringLiteral("Remote Programming"));
+    namedEntry(mnumodes, "mnudigi", QStringLiteral("Digi-Repeating"));
     QMenu *mnusimple = namedMenu(mnusoft, "mnusimple", QStringLiteral("Simple Programming"));
-    later(namedEntry(mnusimple, "mnuSetAddress", QStringLiteral("Varnel Address")));
-    later(namedEntry(mnusimple, "mnusetconn", QStringLiteral("Set Connect Address ")));
-    later(namedEntry(mnusimple, "mnuconnect", QStringLiteral("Connect")));
-    later(namedEntry(mnusimple, "mnudisc", QStringLiteral("Disconnect")));
-    later(namedEntry(mnusimple, "mnuFA", QStringLiteral("Restore Factory Settings")));
-    later(namedEntry(mnusimple, "mnuxmiter", QStringLiteral("Radio Transmitter ON/OFF")));
-    later(namedEntry(mnusimple, "mnureset", QStringLiteral("Reset Modem")));
-    later(namedEntry(mnusimple, "mnusa", QStringLiteral("Save")));
+    namedEntry(mnusimple, "mnuSetAddress", QStringLiteral("Varnel Address"));
+    namedEntry(mnusimple, "mnusetconn", QStringLiteral("Set Connect Address "));
+    namedEntry(mnusimple, "mnuconnect", QStringLiteral("Connect"));
+    namedEntry(mnusimple, "mnudisc", QStringLiteral("Disconnect"));
+    namedEntry(mnusimple, "mnuFA", QStringLiteral("Restore Factory Settings"));
+    namedEntry(mnusimple, "mnuxmiter", QStringLiteral("Radio Transmitter ON/OFF"));
+    namedEntry(mnusimple, "mnureset", QStringLiteral("Reset Modem"));
+    namedEntry(mnusimple, "mnusa", QStringLiteral("Save"));
     QMenu *mnuadv = namedMenu(mnusoft, "mnuadv", QStringLiteral("Advanced Programming"));
-    later(namedEntry(mnuadv, "mnubc", QStringLiteral("Broadcast")));
-    later(namedEntry(mnuadv, "mnuautotadv", QStringLiteral("AutoTransmit")));
-    later(namedEntry(mnuadv, "mnuMIadv", QStringLiteral("Multi-ID")));
-    later(namedEntry(mnuadv, "mnusecadv", QStringLiteral("Security")));
-    later(namedEntry(mnuadv, "mnuautolfadv", QStringLiteral("Auto Line Feed")));
-    later(namedEntry(mnuadv, "mnuenDTRadv", QStringLiteral("Enable DTR")));
-    later(namedEntry(mnuadv, "mnuechoadv", QStringLiteral("Echo")));
-    later(namedEntry(mnuadv, "mnumcadv", QStringLiteral("Mode Control")));
+    namedEntry(mnuadv, "mnubc", QStringLiteral("Broadcast"));
+    namedEntry(mnuadv, "mnuautotadv", QStringLiteral("AutoTransmit"));
+    namedEntry(mnuadv, "mnuMIadv", QStringLiteral("Multi-ID"));
+    namedEntry(mnuadv, "mnusecadv", QStringLiteral("Security"));
+    namedEntry(mnuadv, "mnuautolfadv", QStringLiteral("Auto Line Feed"));
+    namedEntry(mnuadv, "mnuenDTRadv", QStringLiteral("Enable DTR"));
+    namedEntry(mnuadv, "mnuechoadv", QStringLiteral("Echo"));
+    namedEntry(mnuadv, "mnumcadv", QStringLiteral("Mode Control"));
     QMenu *mnuhsprotadv = namedMenu(mnuadv, "mnuhsprotadv", QStringLiteral("Hand Shaking Protocol"));
-    later(namedEntry(mnuhsprotadv, "mnuxhflow", QStringLiteral("Hardware Flow Control")));
-    later(namedEntry(mnuhsprotadv, "mnuxsflow", QStringLiteral("Software Flow Control")));
-    later(namedEntry(mnuadv, "mnucommmodeadv", QStringLiteral("Key to Command Mode")));
-    later(namedEntry(mnuadv, "mnuconvadv", QStringLiteral("Converse Mode Editing")));
-    later(namedEntry(mnuadv, "mnuadvmess", QStringLiteral("Message Format")));
-    later(namedEntry(mnuadv, "mnuadvnetID", QStringLiteral("Network ID")));
-    later(namedEntry(mnuadv, "mnusendpackadv", QStringLiteral("Send Packet Key")));
-    later(namedEntry(mnuadv, "mnuadvtimer", QStringLiteral("Termination Timer")));
+    namedEntry(mnuhsprotadv, "mnuxhflow", QStringLiteral("Hardware Flow Control"));
+    namedEntry(mnuhsprotadv, "mnuxsflow", QStringLiteral("Software Flow Control"));
+    namedEntry(mnuadv, "mnucommmodeadv", QStringLiteral("Key to Command Mode"));
+    namedEntry(mnuadv, "mnuconvadv", QStringLiteral("Converse Mode Editing"));
+    namedEntry(mnuadv, "mnuadvmess", QStringLiteral("Message Format"));
+    namedEntry(mnuadv, "mnuadvnetID", QStringLiteral("Network ID"));
+    namedEntry(mnuadv, "mnusendpackadv", QStringLiteral("Send Packet Key"));
+    namedEntry(mnuadv, "mnuadvtimer", QStringLiteral("Termination Timer"));
     // The two error message entries are in the menu and open nothing: no entry leads to those dialogs.
     QMenu *mnuerrorformadv = namedMenu(mnuadv, "mnuerrorformadv", QStringLiteral("Error Messages"));
     namedEntry(mnuerrorformadv, "mnuSysErrMsgs", QStringLiteral("System Error Messages"));
     namedEntry(mnuerrorformadv, "mnuCommErrMsgs", QStringLiteral("Communication Error Messages"));
-    later(namedEntry(mnuadv, "mnucbdadv", QStringLiteral("Carrier Busy Delay")));
+    namedEntry(mnuadv, "mnucbdadv", QStringLiteral("Carrier Busy Delay"));
 
     QMenu *mnuVNLinfo = namedMenu(menuBar(), "mnuVNLinfo", QStringLiteral("Varnel Information"));
-    later(namedEntry(mnuVNLinfo, "mnucopyr", QStringLiteral("Copyright")));
-    later(namedEntry(mnuVNLinfo, "mnuModelNumber2", QStringLiteral("Model Number")));
+    namedEntry(mnuVNLinfo, "mnucopyr", QStringLiteral("Copyright"));
+    namedEntry(mnuVNLinfo, "mnuModelNumber2", QStringLiteral("Model Number"));
     m_mnuModemopt = namedEntry(mnuVNLinfo, "mnuModemopt", QStringLiteral("Modem Options"));
     connect(m_mnuModemopt, &QAction::triggered, this, [this] {
         if (showModelOptions)
             showModelOptions();
     });
-    later(namedEntry(mnuVNLinfo, "mnuserial", QStringLiteral("Modem Serial Number")));
-    later(namedEntry(mnuVNLinfo, "mnusoftvers", QStringLiteral("Modem Software Version")));
+    namedEntry(mnuVNLinfo, "mnuserial", QStringLiteral("Modem Serial Number"));
+    namedEntry(mnuVNLinfo, "mnusoftvers", QStringLiteral("Modem Software Version"));
     m_mnuHours = namedEntry(mnuVNLinfo, "mnuHours", QStringLiteral("Hour Meter"));
     connect(m_mnuHours, &QAction::triggered, this, [this] {
         if (openHours)
             openHours();
     });
-    later(namedEntry(mnuVNLinfo, "mnupacketl", QStringLiteral("Packet Length")));
-    later(namedEntry(mnuVNLinfo, "mnuretries", QStringLiteral("Number of Retries")));
-    later(namedEntry(mnuVNLinfo, "mnuxmitstats", QStringLiteral("Transmit status")));
+    namedEntry(mnuVNLinfo, "mnupacketl", QStringLiteral("Packet Length"));
+    namedEntry(mnuVNLinfo, "mnuretries", QStringLiteral("Number of Retries"));
+    namedEntry(mnuVNLinfo, "mnuxmitstats", QStringLiteral("Transmit status"));
 
     QMenu *mnuhelp = namedMenu(menuBar(), "mnuhelp", QStringLiteral("Help"));
     connect(namedEntry(mnuhelp, "mnuAbout", QStringLiteral("About")), &QAction::triggered, this,
             &ProgrammingMenu::aboutRequested);
+
+    wireCommandDialogs(*this, m_session, [this](const QString &line) { AddCommand(line); });
 }
 
 void ProgrammingMenu::hooksChanged()

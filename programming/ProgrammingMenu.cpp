@@ -130,10 +130,7 @@ ProgrammingMenu::~ProgrammingMenu() = default;
 void ProgrammingMenu::buildMenus()
 {
     // The entries built here lead to what this screen does itself, or to the command dialogs, which are
-    // connected by their names at the end. The others stand in the menu disabled until the dialog or
-    // form they open is part of the program.
-    const auto later = [](QAction *action) { action->setEnabled(false); };
-
+    // connected by their names at the end.
     QMenu *mnufile = namedMenu(menuBar(), "mnufile", QStringLiteral("&File"));
     connect(namedEntry(mnufile, "mnuopen", QStringLiteral("Open Program File")), &QAction::triggered, this,
             &ProgrammingMenu::openProgramFile);

@@ -155,7 +155,7 @@ Hours::Hours(ModemSession &session, QWidget *parent) : QDialog(parent)
     connect(cmdOK, &QPushButton::clicked, this, &QDialog::accept);
 }
 
-void ShowModelOptions(ModemSession &session, QWidget *parent)
+void ShowModelOptions(ModemSession &session, QWidget *parent, bool settable)
 {
     const std::optional<ModelOptionsRead> read = readModelOptions(session);
     if (!read)
@@ -163,7 +163,14 @@ void ShowModelOptions(ModemSession &session, QWidget *parent)
     std::unique_ptr<Options> form(read->spreadSpectrum() ? new OptQ40Z(session, parent)
                                                          : new Options(session, parent));
     form->setBits(read->bits);
+    form->cmdSet->setEnabled(settable);
     form->exec();
+}
+
+void mnuModemopt(ModemSession &session, QWidget *parent)
+{
+    BusyPointer busy(session.prompts());
+    ShowModelOptions(session, parent, false);
 }
 
 void mnuPowerS(ModemSession &session, QWidget *parent)
@@ -176,6 +183,9 @@ void mnuPowerS(ModemSession &session, QWidget *parent)
 
 void mnuHours(ModemSession &session, QWidget *parent)
 {
+    BusyPointer busy(session.prompts());
+    if (!session.EnterCommandMode())
+        return;
     Hours form(session, parent);
     form.exec();
 }

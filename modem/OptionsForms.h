@@ -79,10 +79,12 @@ public:
     QPushButton *cmdOK;
 };
 
-// The option word of the connected modem in its form, as a modal dialog (a double click on the
-// terminal screen, "Modem Options" of the programming menu).
-void ShowModelOptions(ModemSession &session, QWidget *parent);
+// The option word of the connected modem in its form, as a modal dialog; a double click on the
+// terminal screen may set it.
+void ShowModelOptions(ModemSession &session, QWidget *parent, bool settable = true);
+// "Modem Options" of the programming menu: the options shown under the hourglass, not to be set.
+void mnuModemopt(ModemSession &session, QWidget *parent);
 // "Set Output Power Level" of the terminal's menu.
 void mnuPowerS(ModemSession &session, QWidget *parent);
-// "Hour Meter" of the programming menu.
+// "Hour Meter" of the programming menu: the hour meter of a modem at its prompt.
 void mnuHours(ModemSession &session, QWidget *parent);

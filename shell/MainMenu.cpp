@@ -243,7 +243,7 @@ void MainMenu::cmdVnlPrg_Click()
         connect(m_programming, &ProgrammingMenu::returnedToMainMenu, this, &MainMenu::sectionEnded);
         connect(m_programming, &ProgrammingMenu::aboutRequested, this,
                 [this] { frmAbout(m_session.prompts(), m_programming).exec(); });
-        m_programming->showModelOptions = [this] { ShowModelOptions(m_session, m_programming); };
+        m_programming->showModelOptions = [this] { mnuModemopt(m_session, m_programming); };
         m_programming->openHours = [this] { mnuHours(m_session, m_programming); };
         m_programming->hooksChanged();
     }

@@ -119,7 +119,8 @@ private slots:
         QCOMPARE(link.port().AutoProcess(), what == u"power" ? CommControl::kAutoProcessTerminal : 0);
     }
 
-    // The form by model, its boxes as the option word has them; the hour meter split up.
+    // The form by model, its boxes as the option word has them; from the programming menu the options
+    // show under the hourglass and cannot be set. The hour meter split up, once the prompt is there.
     void formsAndHourMeter()
     {
         SessionRig rig(CommControl::kAutoProcessProgram);
@@ -129,17 +130,36 @@ private slots:
         rig.modem.answer("Version\r", "VERSION  = 1.52\r\nCMD:");
         rig.modem.answer("hour\r", "hour\r\nHOURS    = 18034.7\r\nCMD:");
         QStringList seen;
-        const auto watch = onModal([&](QWidget *form) {
+        bool settable = false, busy = false;
+        const auto look = [&](QWidget *form) {
             seen = describeWindow(*form);
-            static_cast<Options *>(form)->cmdCancel->click();
-        });
+            busy = rig.prompts.busy();
+            if (auto *options = qobject_cast<Options *>(form))
+                settable = options->cmdSet->isEnabled();
+            form->close();
+        };
+        const auto watch = onModal(look);
         ShowModelOptions(rig.session, nullptr);
-        QVERIFY(matchesGolden(seen, QStringLiteral(VARNEL_GOLDEN "/OptQ40Z.txt")));
+        QVERIFY(matchesGolden(seen, QStringLiteral(VARNEL_GOLDEN "/OptQ40Z.txt")) && settable);
+        const auto again = onModal(look);
+        mnuModemopt(rig.session, nullptr);
+        QVERIFY(!settable && busy && !rig.prompts.busy());
         QVERIFY(matchesGolden(describeWindow(Options(rig.session)),
                               QStringLiteral(VARNEL_GOLDEN "/Options.txt")));
-        Hours hours(rig.session);
-        QVERIFY(matchesGolden(describeWindow(hours), QStringLiteral(VARNEL_GOLDEN "/Hours.txt")));
+        const auto hours = onModal(look);
+        mnuHours(rig.session, nullptr);
+        QVERIFY(matchesGolden(seen, QStringLiteral(VARNEL_GOLDEN "/Hours.txt")) && busy);
         QVERIFY(rig.prompts.verify());
+
+        // A silent modem: the entry routine's boxes, and no hour meter.
+        SessionRig silent(CommControl::kAutoProcessProgram);
+        silent.prompts.expectAnswered(QStringLiteral("The Varnel is not detected on the selected comm port.  "
+                                                     "Would you like to initialize the IR Dongel?:No"));
+        silent.prompts.expectAnswered(QStringLiteral("Not communicating.  Make sure last switch on switch "
+                                                     "block (#8 or #2) is down.  Then reset.:Abort"));
+        const auto none = onModal([](QWidget *) { QFAIL("a form opened"); });
+        mnuHours(silent.session, nullptr);
+        QVERIFY(silent.prompts.verify() && !silent.prompts.busy());
     }
 };
 

@@ -41,13 +41,50 @@ void ChooseFreqType::Load()
         m_session.prompts().MsgBox(warning.text, MsgButtons::OkOnly, warning.icon, warning.title);
 }
 
-template <typename Screen> void ChooseFreqType::openScreen(ModemRecord &screenRecord)
+namespace {
+template <typename Screen> FreqScreen *loaded(ModemSession &session, ModemRecord &record, QWidget *parent)
 {
-    auto *screen = new Screen(m_session, screenRecord, this);
-    if (!screen->Load()) {
-        delete screen;
-        return;
+    auto *screen = new Screen(session, record, parent);
+    if (screen->Load())
+        return screen;
+    delete screen;
+    return nullptr;
+}
+} // namespace
+
+FreqScreen *localFrequencyScreen(ModemSession &session, ModemRecord &record, QWidget *parent)
+{
+    if (record.Model == kSpreadModel)
+        return loaded<SpreadFreqSet>(session, record, parent);
+    return loaded<TXRX>(session, record, parent);
+}
+
+FreqScreen *squelchScreen(ModemSession &session, ModemRecord &record, QWidget *parent)
+{
+    const bool help =
+        session.prompts().MsgBox(QStringLiteral("Do you need help in setting your squelch level?"),
+                                 MsgButtons::YesNo, MsgIcon::None, QStringLiteral("Need Help?"),
+                                 2) == MsgAnswer::Yes;
+    if (record.Model == kSpreadModel) {
+        if (!help)
+            return loaded<SetSquelchS>(session, record, parent);
+        SpreadSquelchWalk(session);
+    } else if (record.OptNoiseSquelch) {
+        if (help)
+            return loaded<AutoSquelch>(session, record, parent);
+        return loaded<SetSquelchHP>(session, record, parent);
+    } else if (help) {
+        SquelchWalk(session);
+    } else {
+        return loaded<SetSquelch>(session, record, parent);
     }
+    return nullptr;
+}
+
+void ChooseFreqType::present(FreqScreen *screen)
+{
+    if (!screen)
+        return;
     connect(screen, &FreqScreen::frequencySet, this, &ChooseFreqType::frequencySet);
     connect(screen, &FreqScreen::left, this, &ChooseFreqType::showAgain);
     screen->show();
@@ -61,47 +98,21 @@ void ChooseFreqType::Command1_Click(int index)
     const bool spread = record.Model == kSpreadModel;
     switch (index) {
     case 1:
-        if (spread)
-            openScreen<SpreadFreqSet>(record);
-        else
-            openScreen<TXRX>(record);
+        present(localFrequencyScreen(m_session, record, this));
         break;
     case 2:
         m_session.ProgMode = spread ? kRemoteFreqSMode : kRemoteFreqMode;
         openRemote();
         break;
     case 3:
-        squelch();
+        present(squelchScreen(m_session, record, this));
         break;
     case 4:
         if (spread)
-            openScreen<ShowSpreadFreq>(record);
+            present(loaded<ShowSpreadFreq>(m_session, record, this));
         else
-            openScreen<DisplayCurrent>(record);
+            present(loaded<DisplayCurrent>(m_session, record, this));
         break;
-    }
-}
-
-void ChooseFreqType::squelch()
-{
-    const bool help =
-        m_session.prompts().MsgBox(QStringLiteral("Do you need help in setting your squelch level?"),
-                                   MsgButtons::YesNo, MsgIcon::None, QStringLiteral("Need Help?"),
-                                   2) == MsgAnswer::Yes;
-    if (record.Model == kSpreadModel) {
-        if (help)
-            SpreadSquelchWalk(m_session);
-        else
-            openScreen<SetSquelchS>(record);
-    } else if (record.OptNoiseSquelch) {
-        if (help)
-            openScreen<AutoSquelch>(record);
-        else
-            openScreen<SetSquelchHP>(record);
-    } else if (help) {
-        SquelchWalk(m_session);
-    } else {
-        openScreen<SetSquelch>(record);
     }
 }
 
@@ -113,9 +124,9 @@ void ChooseFreqType::openRemote()
     openRemoteAddress(
         [this, spread] {
             if (spread)
-                openScreen<SpreadFreqSet>(record);
+                present(loaded<SpreadFreqSet>(m_session, record, this));
             else
-                openScreen<RemoteFreqChange>(record);
+                present(loaded<RemoteFreqChange>(m_session, record, this));
         },
         [this] { showAgain(); });
 }

@@ -7,8 +7,16 @@
 #include <array>
 #include <functional>
 
+class FreqScreen;
 class ModemSession;
 class QPushButton;
+
+// The frequency screen of the connected modem, loaded and not yet shown: the channels of the
+// spread-spectrum model, the frequency entry of the others. Nothing when it could not load.
+FreqScreen *localFrequencyScreen(ModemSession &session, ModemRecord &record, QWidget *parent);
+// The squelch of the connected modem: the user is asked whether help is wanted, then the walk runs
+// or the unit's screen is loaded and returned, not yet shown. Nothing when no screen is left to show.
+FreqScreen *squelchScreen(ModemSession &session, ModemRecord &record, QWidget *parent);
 
 // "Frequency Setting For Varnel Model ...": the hub of the frequency and squelch screens. It reads
 // the connected modem's identity once and keeps it for the screens it opens, and holds the port
@@ -42,9 +50,8 @@ protected:
 
 private:
     void openRemote();
-    // The squelch: the walk with the user's help, or the slider screen of the unit.
-    void squelch();
-    template <typename Screen> void openScreen(ModemRecord &screenRecord);
+    // A screen it opened reports back to it.
+    void present(FreqScreen *screen);
 
     ModemSession &m_session;
     PortClaim m_port;

@@ -6,7 +6,9 @@
 #include "CommControl.h"
 #include "Diagnostic.h"
 #include "FlashProgress.h"
+#include "FreqScreens.h"
 #include "IniFile.h"
+#include "MWPort.h"
 #include "ModemSession.h"
 #include "Named.h"
 #include "OptionsForms.h"
@@ -15,6 +17,7 @@
 #include "Prompts.h"
 #include "RemoteAddress.h"
 #include "SetBaudS.h"
+#include "StartOutScreens.h"
 #include "Terminal.h"
 #include "WorkingFileOpen.h"
 #include "frmAbout.h"
@@ -102,11 +105,13 @@ MainMenu::MainMenu(ModemSession &session, IniFile &ini, QWidget *parent)
     connect(cmdProductInfo, &QPushButton::clicked, this, &MainMenu::cmdProductInfo_Click);
     connect(cmdExit, &QPushButton::clicked, this, &MainMenu::cmdExit_Click);
     openDiagnostics = [this] { showDiagnostics(); };
+    openStartingOut = [this] { showStartingOut(); };
 }
 
 MainMenu::~MainMenu()
 {
     m_ini.onTrouble = nullptr;
+    delete m_startingOut;
     delete m_diagnostic;
     delete m_programming;
     delete m_terminal;
@@ -139,6 +144,36 @@ void MainMenu::showDiagnostics()
     };
     connect(m_diagnostic, &Diagnostic::returnedToMainMenu, this, &MainMenu::sectionEnded);
     m_diagnostic->open();
+}
+
+void MainMenu::showStartingOut()
+{
+    m_startingOut = new StartingOutMenu(m_session);
+    StartingOutMenu *menu = m_startingOut;
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->openFrequency = [this](ModemRecord &record, QWidget *parent) {
+        if (FreqScreen *screen = localFrequencyScreen(m_session, record, parent))
+            screen->show();
+    };
+    menu->openSquelch = [this](ModemRecord &record, QWidget *parent) {
+        if (FreqScreen *screen = squelchScreen(m_session, record, parent))
+            screen->show();
+    };
+    menu->configurePort = [this](QWidget *parent) {
+        attempt(m_session.prompts(),
+                [&] { MWPort(m_session, m_ini, parent).SetPortSettings(m_session.Comm1()); });
+        if (m_terminal)
+            m_terminal->setPortTitle();
+    };
+    // The rate wizard gives the port to the terminal when it closes; the guide is still open and takes it
+    // back.
+    menu->openSerialRate = [this, menu](QWidget *parent) {
+        auto *wizard = new SetBaudS(m_session, parent);
+        connect(wizard, &QObject::destroyed, menu, &StartingOutMenu::retakePort);
+        wizard->show();
+    };
+    connect(menu, &StartingOutMenu::unloaded, this, &MainMenu::sectionEnded);
+    menu->show();
 }
 
 QPushButton *MainMenu::addCommand(const char *name, const QString &caption, const QString &toolTip)

@@ -12,6 +12,7 @@ class QPushButton;
 class Terminal;
 class ProgrammingMenu;
 class Diagnostic;
+class StartingOutMenu;
 
 // "Varnel Utility - Main Menu": six commands; one visible section at a time. The main menu loads the
 // hidden Terminal form, the carrier of the port, before anything else can run.
@@ -72,10 +73,12 @@ private:
     void wireModemScreens();
     void showDiagnostics();
     void reloadTerminal();
+    void showStartingOut();
 
     ModemSession &m_session;
     IniFile &m_ini;
     QPointer<Terminal> m_terminal;
     QPointer<ProgrammingMenu> m_programming;
     QPointer<Diagnostic> m_diagnostic;
+    QPointer<StartingOutMenu> m_startingOut;
 };

@@ -7,6 +7,8 @@
 #include "ProgrammingMenu.h"
 #include "RemoteAddress.h"
 #include "SessionRig.h"
+#include "SetBaudS.h"
+#include "StartOutScreens.h"
 #include "Terminal.h"
 #include "TerminalScreen.h"
 #include "WorkingFileOpen.h"
@@ -217,7 +219,25 @@ private slots:
         hub->close();
         QCOMPARE(s.port.AutoProcess(), CommControl::kAutoProcessTerminal);
 
+        // Starting Out holds the port; the rate wizard it opens gives the port away, and it takes it back.
         s.menu.show();
+        s.menu.cmdStartOut->click();
+        StartingOutMenu *startOut = nullptr;
+        for (QWidget *w : QApplication::topLevelWidgets())
+            if (auto *found = qobject_cast<StartingOutMenu *>(w))
+                startOut = found;
+        QVERIFY(startOut && startOut->isVisible() && !s.menu.isVisible());
+        QCOMPARE(s.port.AutoProcess(), CommControl::kAutoProcessProgram);
+        startOut->openSerialRate(startOut);
+        auto *wizard = startOut->findChild<SetBaudS *>();
+        wizard->close();
+        QCOMPARE(s.port.AutoProcess(), CommControl::kAutoProcessTerminal);
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(s.port.AutoProcess(), CommControl::kAutoProcessProgram);
+        startOut->cmdExit->click();
+        QVERIFY(s.menu.isVisible());
+        QCOMPARE(s.port.AutoProcess(), CommControl::kAutoProcessTerminal);
+
         s.menu.cmdVnlPrg->click();
         QVERIFY(!s.menu.isVisible() && s.menu.programmingMenu()->isVisible());
         s.menu.programmingMenu()->close();

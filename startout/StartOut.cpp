@@ -207,9 +207,6 @@ void PortShare::send(const QByteArray &bytes)
 
 void PortShare::end(bool resetPort)
 {
-    if (m_ended)
-        return;
-    m_ended = true;
     CommControl &comm = m_session.Comm1();
     disconnect(&comm, nullptr, this, nullptr);
     comm.setRThreshold(m_threshold);

@@ -79,11 +79,11 @@ public:
 
     // Sends the text as it stands; a failure shows the standard box.
     void send(const QByteArray &bytes);
+    // Detaches; the screen's unload also resets the port, a screen deleted with its owner does not.
     void end(bool resetPort);
 
 private:
     ModemSession &m_session;
     std::function<void(const QByteArray &)> m_show;
     int m_threshold = 0;
-    bool m_ended = false;
 };

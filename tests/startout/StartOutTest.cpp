@@ -131,6 +131,7 @@ const Leave kLeaves[] = {
      "Familiarization", 0},
     {"exit", "StartingOutMenu.cmdExit", "", 3},
     {"exit after the guide", "to step 1 | Power.cmdQuit | StartingOutMenu.cmdExit", "", 3},
+    {"exit with the serial test open", "to step 3 | Serial.cmdTest | StartingOutMenu.cmdExit", "", 3},
     {"menu window closed", "StartingOutMenu.cmdExpress | Step4.cmdComplete | StartingOutMenu.close", "", 3},
 };
 
@@ -221,9 +222,9 @@ const Address kAddresses[] = {
     {"guide", "to step 4", "> 12 | Your Address Is Set To 12", "add 12:save|", 12},
     {"express", "StartingOutMenu.cmdExpress", "> 254 | Your Address Is Set To 254", "add 254:save|", 254},
     {"out of range twice", "StartingOutMenu.cmdExpress",
-     "> 0 | Your address must be from 1 to 254 | > 255 | Your address must be from 1 to 254 | > 7 | Your "
-     "Address Is Set To 7",
-     "add 7:save|", 7},
+     "> 0 | Your address must be from 1 to 254 | > 255 | Your address must be from 1 to 254 | > 1 | Your "
+     "Address Is Set To 1",
+     "add 1:save|", 1},
     {"not a number", "StartingOutMenu.cmdExpress", "> abc | Your address must be from 1 to 254 | >", "", 1},
     {"empty answer", "StartingOutMenu.cmdExpress", "> ", "", 1},
 };
@@ -334,6 +335,8 @@ private slots:
         QCOMPARE(guide.link.port().AutoProcess(), row.autoProcess);
         QCOMPARE(guide.unloaded, row.autoProcess == 3);
         QCOMPARE(guide.written(), QString());
+        for (const WireEvent &e : guide.link.port().events())
+            QVERIFY(e.kind != WireEvent::Kind::Close);
     }
 
     void power_data() { addRows(kPowers); }

@@ -3,6 +3,7 @@
 #include "Golden.h"
 #include "ModemSession.h"
 #include "ScriptedPrompts.h"
+#include "SessionRig.h"
 #include "SimulatedModemLink.h"
 #include "Tables.h"
 
@@ -84,7 +85,7 @@ struct Guide
         names.sort();
         return names.join(u' ');
     }
-    QString written() { return QString::fromLatin1(link.port().written()).replace(u'\r', u'|'); }
+    QString written() { return SessionRig::writes(link.port()).join(QString()); }
 };
 
 struct Screen
@@ -219,12 +220,12 @@ struct Address
     int address;
 };
 const Address kAddresses[] = {
-    {"guide", "to step 4", "> 12 | Your Address Is Set To 12", "add 12:save|", 12},
-    {"express", "StartingOutMenu.cmdExpress", "> 254 | Your Address Is Set To 254", "add 254:save|", 254},
+    {"guide", "to step 4", "> 12 | Your Address Is Set To 12", "add 12:save\\r", 12},
+    {"express", "StartingOutMenu.cmdExpress", "> 254 | Your Address Is Set To 254", "add 254:save\\r", 254},
     {"out of range twice", "StartingOutMenu.cmdExpress",
      "> 0 | Your address must be from 1 to 254 | > 255 | Your address must be from 1 to 254 | > 1 | Your "
      "Address Is Set To 1",
-     "add 1:save|", 1},
+     "add 1:save\\r", 1},
     {"not a number", "StartingOutMenu.cmdExpress", "> abc | Your address must be from 1 to 254 | >", "", 1},
     {"empty answer", "StartingOutMenu.cmdExpress", "> ", "", 1},
 };
@@ -248,24 +249,16 @@ const char *const kNoModem =
     "block (#8 or #2) is down.  Then reset.:Abort";
 const PortCase kPorts[] = {
     {"one computer", true, "StartingOutMenu.cmdTestComm | Communications.cmdBegin", "",
-     "One PC/Two Varnel Test",
-     "\x03"
-     "fa|",
-     true, "disc|<close><open>"},
+     "One PC/Two Varnel Test", "<03>fa\\r", true, "disc\\r<close><open>"},
     {"two computers", true,
      "StartingOutMenu.cmdTestComm | Communications.optcommlink | Communications.cmdBegin", "",
-     "Two PC/Two Varnel Test",
-     "\x03"
-     "fa|",
-     true, "disc|<close><open>"},
+     "Two PC/Two Varnel Test", "<03>fa\\r", true, "disc\\r<close><open>"},
     {"radio test, silent modem", false, "StartingOutMenu.cmdTestComm | Communications.cmdBegin", kNoModem, "",
-     "\x03"
-     "FA|FA|",
-     false, ""},
+     "<03>FA\\rFA\\r", false, ""},
     {"serial test", true, "to step 3 | Serial.cmdTest | SmallDemo.cmdTest", "", "Test Serial Communications",
-     "fa|", true, "<close><open>"},
+     "fa\\r", true, "<close><open>"},
     {"serial test, silent modem", false, "to step 3 | Serial.cmdTest | SmallDemo.cmdTest", "",
-     "Test Serial Communications", "fa|", false, "<close><open>"},
+     "Test Serial Communications", "fa\\r", false, "<close><open>"},
 };
 
 // The screens of other sections that the guide opens: which one, for which unit, and the boxes on the way.
@@ -406,8 +399,8 @@ private slots:
         QVERIFY(guide.prompts.verify());
         guide.link.time().MsDelay(1000);
         const QString written = guide.written();
-        QVERIFY(written.startsWith(QStringLiteral("\x03")));
-        QCOMPARE(written.mid(written.lastIndexOf(QStringLiteral("comrate|")) + 8), QLatin1String(row.sent));
+        QVERIFY(written.startsWith(QStringLiteral("<03>")));
+        QCOMPARE(written.mid(written.lastIndexOf(QStringLiteral("comrate\\r")) + 9), QLatin1String(row.sent));
         QCOMPARE(guide.link.local().address(), row.address);
         QCOMPARE(guide.link.local().savedValue(QStringLiteral("ADDRESS")).toInt(), row.address);
     }
@@ -457,7 +450,7 @@ private slots:
             guide.link.port().clearEvents();
             test->cmdDone->click();
             for (const WireEvent &e : guide.link.port().events())
-                done += e.kind == WireEvent::Kind::Write   ? QString::fromLatin1(e.bytes).replace(u'\r', u'|')
+                done += e.kind == WireEvent::Kind::Write   ? SessionRig::shown(e.bytes)
                         : e.kind == WireEvent::Kind::Close ? QStringLiteral("<close>")
                         : e.kind == WireEvent::Kind::Open  ? QStringLiteral("<open>")
                                                            : QString();

@@ -171,6 +171,10 @@ void Diagnostic::buildScreen()
     connect(cmdNewAdd, &QPushButton::clicked, this, &Diagnostic::showDiagNewAdd);
     connect(cmdDelAdd, &QPushButton::clicked, this, &Diagnostic::cmdDelAdd_Click);
     connect(cmdPolling, &QPushButton::clicked, this, &Diagnostic::mnuPolling_Click);
+    connect(cmdRSS, &QPushButton::clicked, this, &Diagnostic::SignalStrength);
+    connect(cmdDQ, &QPushButton::clicked, this, &Diagnostic::DataQuality);
+    for (QLabel *status : {lblRSS, lblDQ, lblPolling})
+        status->installEventFilter(this);
     connect(cmdStop, &QPushButton::clicked, this, &QWidget::close);
 }
 
@@ -195,10 +199,11 @@ void Diagnostic::buildMenus()
     connect(mnuSaveAdds, &QAction::triggered, this, &Diagnostic::mnuSaveAdds_Click);
     connect(mnuExit, &QAction::triggered, this, &QWidget::close);
     connect(mnuPolling, &QAction::triggered, this, &Diagnostic::mnuPolling_Click);
-    // The signal strength, interference, data quality and repeater site tests are not part of this
-    // program yet: their entries and buttons stay off, and so does the run of all tests.
-    for (QAction *a : {mnuAll, mnuRSS, mnuInterference, mnuDQ, mnuRTNRepTest})
-        a->setEnabled(false);
+    connect(mnuAll, &QAction::triggered, this, &Diagnostic::mnuAll_Click);
+    connect(mnuRSS, &QAction::triggered, this, &Diagnostic::SignalStrength);
+    connect(mnuDQ, &QAction::triggered, this, &Diagnostic::DataQuality);
+    // The repeater site test is not part of this program yet.
+    mnuRTNRepTest->setEnabled(false);
 }
 
 void Diagnostic::open()
@@ -235,13 +240,17 @@ void Diagnostic::Load()
 
 void Diagnostic::setAvailability(const TestAvailability &available)
 {
-    const auto set = [](QLabel *label, QPushButton *button, bool on) {
+    const auto set = [](QLabel *label, QPushButton *button, QAction *entry, bool on) {
         setTestStatus(label, on ? TestStatus::NotTested : TestStatus::NotAvailable);
-        button->setEnabled(false);
+        button->setEnabled(on);
+        entry->setEnabled(on);
     };
-    set(lblRSS, cmdRSS, available.rss);
-    set(lblInter, cmdInter, available.interference);
-    set(lblDQ, cmdDQ, available.dataQuality);
+    set(lblRSS, cmdRSS, mnuRSS, available.rss);
+    set(lblInter, cmdInter, mnuInterference, available.interference);
+    set(lblDQ, cmdDQ, mnuDQ, available.dataQuality);
+    // The interference test is not part of this program yet.
+    cmdInter->setEnabled(false);
+    mnuInterference->setEnabled(false);
     setTestStatus(lblPolling, TestStatus::NotTested);
     if (!available.dataQuality)
         RunDq = false;
@@ -396,6 +405,13 @@ void Diagnostic::closeEvent(QCloseEvent *event)
                 QStringLiteral("This Action Will Stop All Active Tests and Close Down The Diagnostics\r"
                                "Do You Wish To Proceed?"),
                 MsgButtons::YesNo, MsgIcon::Question) == MsgAnswer::No) {
+            event->ignore();
+            return;
+        }
+        // A test over the address list stops at its next address and the close goes on after it.
+        if (m_linkTestRunning) {
+            TestRunning = false;
+            m_closeAfterTest = true;
             event->ignore();
             return;
         }

@@ -2,6 +2,7 @@
 
 #include "DiagnosticReport.h"
 #include "DiagnosticShell.h"
+#include "LinkMeasures.h"
 #include "PortClaim.h"
 
 #include <QMainWindow>
@@ -78,9 +79,16 @@ public:
     void showComments();
     // The report form in front, in its normal state.
     void showReport();
+    // The samples of the last run of each test, one entry a measured address.
+    QList<AddressSamples> signalSamples, qualitySamples;
+
     // Back to the main menu's hands: the report form has closed with the diagnostics.
     void unloadTestForms();
 
+    void mnuAll_Click();
+    void BeginTesting();
+    void SignalStrength();
+    void DataQuality();
     void mnuPolling_Click();
     void mnuSave_Click();
     void mnuSaveAdds_Click();
@@ -94,8 +102,17 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    // A click on a test's status label does what its button does.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    // The common start and end of the signal strength and data quality tests: false when the test
+    // does not start.
+    bool startLinkTest(QLabel *label, const QString &testName, const QString &skipText, const QString &title);
+    void endLinkTest(QLabel *label);
+    bool askTestAgain(const QString &testName);
+    TestHooks testHooks();
+
     void buildScreen();
     void buildMenus();
     void setAvailability(const TestAvailability &available);
@@ -111,4 +128,5 @@ private:
     QPointer<ViewDiag> m_view;
     QPointer<Comments> m_comments;
     bool m_closeAfterTest = false;
+    bool m_linkTestRunning = false;
 };

@@ -43,7 +43,19 @@ struct GroundTruth
         QString version; // the firmware version the unit runs from then on
     };
 
+    // A figure a unit printed for the diagnostics: a meter reading (from 0) or the quality of the
+    // path from a partner, as the unit wrote it to its port.
+    struct Reading
+    {
+        qint64 atMs = 0;
+        int address = 0; // of the unit that printed it
+        int from = 0;    // of the partner whose packet it measured, 0 for the meter
+        int value = 0;
+    };
+
     QList<Outage> outages;
+    QList<Reading> meterReadings;
+    QList<Reading> qualityReadings;
     QList<SettingChange> changes;
     QList<Packet> packets;
     QList<Image> images;

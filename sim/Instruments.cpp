@@ -3,6 +3,7 @@
 #include "CommandTable.h"
 #include "Modem.h"
 #include "Network.h"
+#include "TimeSource.h"
 
 #include <optional>
 
@@ -96,7 +97,10 @@ void Instruments::streamTick()
     if (!m_streaming || m_modem.mode() != Modem::Mode::Command)
         return;
     const double reading = m_modem.network() ? m_modem.network()->meterReading(m_modem) : 0.0;
-    m_modem.send(',' + QByteArray::number(qRound(reading)));
+    const int shown = qRound(reading);
+    if (GroundTruth *truth = m_modem.truth())
+        truth->meterReadings.append({m_modem.time().elapsedMs(), m_modem.address(), 0, shown});
+    m_modem.send(',' + QByteArray::number(shown));
     m_modem.afterUnlessInterrupted(kStreamPeriod, [this] { streamTick(); });
 }
 

@@ -3,6 +3,7 @@
 #include "CommandTable.h"
 #include "Modem.h"
 #include "Network.h"
+#include "TimeSource.h"
 
 #include <algorithm>
 #include <utility>
@@ -227,10 +228,13 @@ void Links::sendPacket()
         }
         if (d.destination)
             d.destination->links().receiveFromAir(data);
-        if (m_modem.dataQualityMode())
+        if (m_modem.dataQualityMode()) {
+            if (GroundTruth *truth = m_modem.truth())
+                truth->qualityReadings.append(
+                    {m_modem.time().elapsedMs(), m_modem.address(), partner, d.quality});
             m_modem.send('[' + QByteArray::number(partner) + ',' + QByteArray::number(qRound(d.microvolts)) +
                          ',' + QByteArray::number(d.quality) + ']' + le);
-        else if (messages)
+        } else if (messages)
             m_modem.send("*" + le);
     });
 }

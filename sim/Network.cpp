@@ -35,6 +35,13 @@ int levelFromMicrovolts(double microvolts)
     return std::clamp(int(std::lround(20.0 * std::log10(microvolts / 0.1))), 0, 255);
 }
 
+int dataQualityFigure(double signalMicrovolts, double interferenceMicrovolts)
+{
+    const double floorRise = (interferenceMicrovolts + kNoiseFloorMicrovolts) / kNoiseFloorMicrovolts;
+    return std::clamp(
+        int(std::lround(40.0 + 30.0 * std::log10(signalMicrovolts) - 20.0 * std::log10(floorRise))), 0, 100);
+}
+
 struct Network::Link
 {
     LinkProfile profile;
@@ -142,7 +149,8 @@ Network::Delivery Network::send(Modem &from, const QList<int> &route, int payloa
     qint64 at = m_time.elapsedMs();
     for (int attempt = 0; attempt <= retriesAllowed; ++attempt) {
         bool ok = true;
-        double lastSignal = 0;
+        double lastSignal = 0, lastInterference = 0;
+        const Link *lastLink = nullptr;
         for (int h = 0; h < hops && ok; ++h) {
             Modem *a = chain[h];
             Modem *b = chain[h + 1];
@@ -160,6 +168,8 @@ Network::Delivery Network::send(Modem &from, const QList<int> &route, int payloa
             if (u(m_random) < loss)
                 ok = false;
             lastSignal = signal;
+            lastInterference = interference;
+            lastLink = link;
         }
         if (ok) {
             d.delivered = true;
@@ -167,8 +177,9 @@ Network::Delivery Network::send(Modem &from, const QList<int> &route, int payloa
             d.duration += attemptTime;
             d.destination = chain.last();
             d.microvolts = lastSignal;
-            d.quality =
-                std::clamp(int(std::lround(40.0 + 30.0 * std::log10(lastSignal) + noise(2.0))), 0, 100);
+            d.quality = std::clamp(int(std::lround(dataQualityFigure(lastSignal, lastInterference) +
+                                                   noise(lastLink->profile.qualitySpread))),
+                                   0, 100);
             break;
         }
         d.retries = attempt;

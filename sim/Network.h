@@ -74,6 +74,11 @@ private:
     std::mt19937 m_random;
 };
 
+// The data quality figure (0 to 100) of a packet heard at the signal against the interference on
+// the channel, before the spread from one packet to the next: interference above the noise floor
+// costs what it raises the floor by.
+int dataQualityFigure(double signalMicrovolts, double interferenceMicrovolts);
+
 // Signal level in the receiver's own scale (0 to 255), as squelch settings count it.
 int levelFromMicrovolts(double microvolts);
 

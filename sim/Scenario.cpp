@@ -92,6 +92,7 @@ std::optional<Scenario> Scenario::fromJson(const QByteArray &json, QString *erro
         l.to = o.value(QLatin1String("to")).toInt();
         l.microvolts = o.value(QLatin1String("microvolts")).toDouble(l.microvolts);
         l.noiseMicrovolts = o.value(QLatin1String("noise")).toDouble(0);
+        l.qualitySpread = o.value(QLatin1String("qualitySpread")).toDouble(l.qualitySpread);
         l.lossRate = o.value(QLatin1String("lossRate")).toDouble(0);
         for (const QJsonValue &d : o.value(QLatin1String("drops")).toArray())
             l.drops.append({qint64(d.toObject().value(QLatin1String("atMs")).toDouble()),

@@ -44,6 +44,7 @@ struct LinkProfile
     double noiseMicrovolts = 0; // spread of the reading from one sample to the next
     double lossRate = 0;        // chance that one packet is lost in the air
     QList<LinkDrop> drops;
+    double qualitySpread = 2.0; // spread of the data quality figure from one packet to the next
 };
 
 // A source of interference on a channel: it raises the noise floor seen by every modem on it.

@@ -22,10 +22,17 @@ namespace {
 // The connected modem with its meter, answering without echo, and the diagnostics opened on it.
 struct Rig
 {
-    explicit Rig(bool hide = true)
+    explicit Rig(bool hide = true, const QString &model = QStringLiteral("Q4U"), int option = 4)
     {
-        s.modems[0].option = 4;
+        s.modems[0].model = model;
+        s.modems[0].option = option;
         s.modems[0].settings.insert(QStringLiteral("ECHO"), QStringLiteral("OFF"));
+        // One remote at 7 on a clean path.
+        sim::ModemProfile remote;
+        remote.model = model;
+        remote.settings.insert(QStringLiteral("ADDRESS"), QStringLiteral("7"));
+        s.modems << remote;
+        s.links = {{1, 7, 35.0, 0, 0, {}, 0}};
         link = std::make_unique<sim::SimulatedModemLink>(s);
         link->time().setOrigin(QDateTime(QDate(2026, 11, 23), QTime(8, 15)));
         session = std::make_unique<ModemSession>(link->port(), link->time(), prompts);
@@ -72,9 +79,68 @@ const char *const kSteps[][6] = {
     {"open of a missing file", "open", "file:missing.nva | not found", "", "1", "open"},
 };
 
+// What the user starts on the screen, on which modem and with which tests already done; the boxes
+// in turn (by key, the answer behind a colon); the report's blocks in order, and the status labels
+// of signal strength, data quality and polling after. A cancel is clicked at the time given.
+const char *const kRunBoxes[][2] = {
+    {"rss skip",
+     "The receive signal strength test can only measure destination Varnels without repeaters.  If repeaters "
+     "are included in the test addresses, these will be skipped"},
+    {"dq skip", "The data quality test can only measure destination Varnels without repeaters.  If repeaters "
+                "are included "
+                "in the test addresses, these will be skipped"},
+    {"rss again", "The Signal Strength Test Has Been Completed.\rDo you wish to run the test again?"},
+    {"dq again", "The Data Quality Test Has Been Completed.\rDo you wish to run the test again?"},
+    {"polling again", "The Polling Test Has Been Completed.\rDo you wish to run the test again?"},
+    {"report",
+     "Do You Wish To Add All Reports To The Diagnostic Testing Data?\rThe Totals Will be Added to the "
+     "Report Automatically."},
+};
+const char *const kScreenRuns[][7] = {
+    {"again? No ends there", "Q4U 4 lblRSS", "cmdRSS", "rss again:No", "", "Completed/Not Tested/Not Tested",
+     ""},
+    {"again? Yes runs it, from a click on the label", "Q4U 4 lblDQ", "lblDQ", "dq again:Yes | dq skip",
+     "dq 7 7", "Not Tested/Completed/Not Tested", ""},
+    {"cancel at the second address", "Q4U 4", "cmdRSS", "rss skip", "rss cancel 7",
+     "Completed/Not Tested/Not Tested", "10000"},
+    {"all with the meter", "Q4U 4", "mnuAll", "rss skip | dq skip | report:No", "rss 7 7 | dq 7 7 | polling",
+     "Completed/Completed/Completed", ""},
+    {"all without the meter", "Q4U 0", "mnuAll", "dq skip | report:No", "dq 7 7 | polling",
+     "Not Available/Completed/Completed", ""},
+    {"all on the spread spectrum model", "Q4Z 0", "mnuAll", "rss skip | report:No", "rss 7 7 | polling",
+     "Completed/Not Available/Completed", ""},
+    {"all, polling done, No runs it once", "Q4U 0 lblPolling", "mnuAll",
+     "dq skip | polling again:No | report:No", "dq 7 7 | polling", "Not Available/Completed/Completed", ""},
+    {"all, polling done, Yes runs it twice", "Q4U 0 lblPolling", "mnuAll",
+     "dq skip | polling again:Yes | report:No | report:No", "dq 7 7 | polling | polling",
+     "Not Available/Completed/Completed", ""},
+};
+
+// The blocks of the report after the opening: each test's key and the addresses of its result lines.
+QString blocks(const QString &report)
+{
+    QStringList found;
+    for (const QString &line : report.split(QStringLiteral("\r\n"))) {
+        if (line == u"Received Signal Strength Testing")
+            found << QStringLiteral("rss");
+        else if (line == u"Data Quality Testing")
+            found << QStringLiteral("dq");
+        else if (line.startsWith(QLatin1String("Polling Diagnostic Results")))
+            found << QStringLiteral("polling");
+        else if (line.startsWith(QLatin1String("Address ")))
+            found.last() += u' ' + line.section(u' ', 1, 1);
+        else if (line == u"Test Canceled at User's Request")
+            found.last() += QStringLiteral(" cancel");
+    }
+    return found.join(QStringLiteral(" | "));
+}
+
 QString boxText(const QString &key)
 {
     for (const auto &box : kBoxes)
+        if (key == QLatin1String(box[0]))
+            return QLatin1String(box[1]);
+    for (const auto &box : kRunBoxes)
         if (key == QLatin1String(box[0]))
             return QLatin1String(box[1]);
     return key;
@@ -278,6 +344,48 @@ private slots:
         rig.diag->comments()->Text1->setText(QStringLiteral("Mast at 12 was down"));
         rig.diag->comments()->Command1->click();
         QVERIFY(rig.diag->report().text().endsWith(QLatin1String("Comments:\r\nMast at 12 was down\r\n")));
+    }
+
+    void testsFromTheScreen_data() { addRows(kScreenRuns); }
+    void testsFromTheScreen()
+    {
+        const auto &[name, modem, start, boxes, report, labels, cancelAt] = fetchRow(kScreenRuns);
+        const QStringList setup = QString::fromLatin1(modem).split(u' ');
+        Rig rig(true, setup[0], setup[1].toInt());
+        Diagnostic &diag = *rig.diag;
+        diag.lstAdds->addItems({QStringLiteral("7"), QStringLiteral("3,7"), QStringLiteral("7")});
+        if (setup.size() > 2)
+            setTestStatus(diag.findChild<QLabel *>(setup[2]), TestStatus::Completed);
+        for (const QString &box : items(boxes))
+            rig.prompts.expectAnswered(boxText(box.section(u':', 0, 0)) +
+                                       (box.contains(u':') ? box.mid(box.indexOf(u':')) : QString()));
+        // Each polling run is stopped from its screen after a minute.
+        std::function<void()> stopPolling = [&] {
+            if (diag.pollingDiag() && diag.pollingDiag()->isVisible())
+                diag.pollingDiag()->cmdStop->click();
+            rig.link->time().after(60000, stopPolling);
+        };
+        rig.link->time().after(60000, stopPolling);
+        if (*cancelAt)
+            rig.link->time().after(QByteArray(cancelAt).toInt(),
+                                   [&] { diag.diagInfo()->cmdCancel->click(); });
+        const QString prefix = diag.report().text();
+        if (auto *action = diag.findChild<QAction *>(QLatin1String(start)))
+            action->trigger();
+        else
+            QTest::mouseClick(diag.findChild<QWidget *>(QLatin1String(start)), Qt::LeftButton);
+        QVERIFY(rig.prompts.verify());
+        QCOMPARE(blocks(diag.report().text().mid(prefix.size())), QLatin1String(report));
+        QCOMPARE(diag.lblRSS->text() + u'/' + diag.lblDQ->text() + u'/' + diag.lblPolling->text(),
+                 QLatin1String(labels));
+        QVERIFY(!diag.TestRunning && !(diag.diagInfo() && diag.diagInfo()->isVisible()) &&
+                !rig.prompts.busy());
+        // Busy: a second start only beeps.
+        const int beeps = rig.prompts.beeps();
+        diag.TestRunning = true;
+        diag.SignalStrength();
+        diag.DataQuality();
+        QCOMPARE(rig.prompts.beeps(), beeps + 2);
     }
 
     // Closing the report asks first; closing the screen asks only about saving and hands back.

@@ -3,6 +3,7 @@
 #include "AppError.h"
 #include "BusyPointer.h"
 #include "DiagnosticForms.h"
+#include "InterferenceScreens.h"
 #include "ModemSession.h"
 #include "Named.h"
 #include "PollingDiag.h"
@@ -75,8 +76,8 @@ Diagnostic::Diagnostic(ModemSession &session, QWidget *parent)
 
 Diagnostic::~Diagnostic()
 {
-    for (QWidget *form : std::initializer_list<QWidget *>{m_polling, m_info, m_newAdd, m_setup, m_comments,
-                                                          m_view, m_testData})
+    for (QWidget *form : std::initializer_list<QWidget *>{m_polling, m_interference, m_info, m_newAdd,
+                                                          m_setup, m_comments, m_view, m_testData})
         delete form;
 }
 
@@ -113,6 +114,11 @@ ViewDiag *Diagnostic::viewDiag() const
 Comments *Diagnostic::comments() const
 {
     return m_comments;
+}
+
+Interference *Diagnostic::interference() const
+{
+    return m_interference;
 }
 
 void Diagnostic::buildScreen()
@@ -173,7 +179,8 @@ void Diagnostic::buildScreen()
     connect(cmdPolling, &QPushButton::clicked, this, &Diagnostic::mnuPolling_Click);
     connect(cmdRSS, &QPushButton::clicked, this, &Diagnostic::SignalStrength);
     connect(cmdDQ, &QPushButton::clicked, this, &Diagnostic::DataQuality);
-    for (QLabel *status : {lblRSS, lblDQ, lblPolling})
+    connect(cmdInter, &QPushButton::clicked, this, &Diagnostic::mnuInterference_Click);
+    for (QLabel *status : {lblRSS, lblInter, lblDQ, lblPolling})
         status->installEventFilter(this);
     connect(cmdStop, &QPushButton::clicked, this, &QWidget::close);
 }
@@ -202,6 +209,7 @@ void Diagnostic::buildMenus()
     connect(mnuAll, &QAction::triggered, this, &Diagnostic::mnuAll_Click);
     connect(mnuRSS, &QAction::triggered, this, &Diagnostic::SignalStrength);
     connect(mnuDQ, &QAction::triggered, this, &Diagnostic::DataQuality);
+    connect(mnuInterference, &QAction::triggered, this, &Diagnostic::mnuInterference_Click);
     // The repeater site test is not part of this program yet.
     mnuRTNRepTest->setEnabled(false);
 }
@@ -248,9 +256,6 @@ void Diagnostic::setAvailability(const TestAvailability &available)
     set(lblRSS, cmdRSS, mnuRSS, available.rss);
     set(lblInter, cmdInter, mnuInterference, available.interference);
     set(lblDQ, cmdDQ, mnuDQ, available.dataQuality);
-    // The interference test is not part of this program yet.
-    cmdInter->setEnabled(false);
-    mnuInterference->setEnabled(false);
     setTestStatus(lblPolling, TestStatus::NotTested);
     if (!available.dataQuality)
         RunDq = false;
@@ -392,7 +397,8 @@ void Diagnostic::mnuPolling_Click()
 
 void Diagnostic::unloadTestForms()
 {
-    for (QWidget *form : std::initializer_list<QWidget *>{m_polling, m_info, m_newAdd, m_setup})
+    for (QWidget *form :
+         std::initializer_list<QWidget *>{m_polling, m_info, m_interference, m_newAdd, m_setup})
         if (form)
             form->close();
 }
@@ -415,10 +421,11 @@ void Diagnostic::closeEvent(QCloseEvent *event)
             event->ignore();
             return;
         }
-        // The polling test stops at its next check and reports; the close goes on after it.
-        if (m_polling)
-            m_polling->close();
-        if (m_polling && m_polling->isVisible()) {
+        // The polling and listening tests stop at their next check and report; the close goes on after.
+        for (QWidget *test : std::initializer_list<QWidget *>{m_polling, m_interference})
+            if (test)
+                test->close();
+        if ((m_polling && m_polling->isVisible()) || (m_interference && m_interference->isVisible())) {
             m_closeAfterTest = true;
             event->ignore();
             return;

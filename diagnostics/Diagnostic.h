@@ -13,6 +13,7 @@ class Comments;
 class DiagInfo;
 class DiagNewAdd;
 class DiagSetup;
+class Interference;
 class ModemSession;
 class PollingDiag;
 class QAction;
@@ -72,6 +73,7 @@ public:
     PollingDiag *pollingDiag() const;
     ViewDiag *viewDiag() const;
     Comments *comments() const;
+    Interference *interference() const;
 
     void showDiagNewAdd();
     // The progress dialog of a test, shown beside the screens.
@@ -84,8 +86,11 @@ public:
 
     // Back to the main menu's hands: the report form has closed with the diagnostics.
     void unloadTestForms();
+    // A close asked for while a test ran goes on once the test has stopped.
+    void closeIfAsked();
 
     void mnuAll_Click();
+    void mnuInterference_Click();
     void BeginTesting();
     void SignalStrength();
     void DataQuality();
@@ -127,6 +132,7 @@ private:
     QPointer<PollingDiag> m_polling;
     QPointer<ViewDiag> m_view;
     QPointer<Comments> m_comments;
+    QPointer<Interference> m_interference;
     bool m_closeAfterTest = false;
     bool m_linkTestRunning = false;
 };

@@ -2,6 +2,7 @@
 
 #include "BusyPointer.h"
 #include "DiagnosticForms.h"
+#include "InterferenceScreens.h"
 #include "ModemSession.h"
 #include "Prompts.h"
 
@@ -20,6 +21,8 @@ bool Diagnostic::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::MouseButtonRelease && static_cast<QWidget *>(watched)->isEnabled()) {
         if (watched == lblRSS)
             cmdRSS->click();
+        else if (watched == lblInter)
+            cmdInter->click();
         else if (watched == lblDQ)
             cmdDQ->click();
         else if (watched == lblPolling)
@@ -83,9 +86,26 @@ void Diagnostic::endLinkTest(QLabel *label)
     TestRunning = false;
     m_linkTestRunning = false;
     showReport();
-    // A close asked for while the test ran goes on now that it has stopped.
+    closeIfAsked();
+}
+
+void Diagnostic::closeIfAsked()
+{
     if (m_closeAfterTest)
         close();
+}
+
+void Diagnostic::mnuInterference_Click()
+{
+    if (TestRunning) {
+        m_session.prompts().Beep();
+        return;
+    }
+    if (m_interference)
+        m_interference->deleteLater();
+    m_interference = new Interference(*this);
+    m_interference->Load();
+    (new InterSetup(*this, *m_interference))->show();
 }
 
 void Diagnostic::SignalStrength()

@@ -6,13 +6,6 @@
 namespace {
 constexpr int kSecondsPerDay = 86400;
 
-QString blanks(qsizetype count)
-{
-    if (count < 0)
-        throw AppErrors::invalidProcedureCall();
-    return QString(count, u' ');
-}
-
 // The time and date columns: each right-aligned in a field of the given width.
 QString stamp(int timeWidth, const QString &time, const QString &date)
 {
@@ -46,6 +39,13 @@ QString clockText(int h, int m, int s)
     return twoDigits(h) + u':' + twoDigits(m) + u':' + twoDigits(s);
 }
 } // namespace
+
+QString blanks(qsizetype count)
+{
+    if (count < 0)
+        throw AppErrors::invalidProcedureCall();
+    return QString(count, u' ');
+}
 
 namespace PollingRows {
 QString start(const QString &time, const QString &date)

@@ -2,6 +2,10 @@
 
 #include <QString>
 
+// count blanks, the gaps of a report row's fixed columns; a negative count throws "Invalid procedure
+// call or argument".
+QString blanks(qsizetype count);
+
 // The rows of the polling test's list and report, fixed-width texts with the time T and date D as the
 // system writes them. N is the report number, A the address row, C the retries text. A column that
 // would need a negative count of blanks throws "Invalid procedure call or argument".

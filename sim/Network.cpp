@@ -128,7 +128,7 @@ double Network::interferenceOn(const QString &channel)
     std::uniform_real_distribution<double> u(0.0, 1.0);
     for (const InterferenceSpec &i : std::as_const(m_interference))
         if ((i.channel.isEmpty() || i.channel == channel) && u(m_random) < i.dutyCycle)
-            strongest = std::max(strongest, i.microvolts * (1.0 + noise(0.1)));
+            strongest = std::max(strongest, i.microvolts * (1.0 + noise(i.spread)));
     return strongest;
 }
 

@@ -103,7 +103,8 @@ std::optional<Scenario> Scenario::fromJson(const QByteArray &json, QString *erro
         const QJsonObject o = v.toObject();
         s.interference.append({o.value(QLatin1String("channel")).toString(),
                                o.value(QLatin1String("microvolts")).toDouble(),
-                               o.value(QLatin1String("dutyCycle")).toDouble(1.0)});
+                               o.value(QLatin1String("dutyCycle")).toDouble(1.0),
+                               o.value(QLatin1String("spread")).toDouble(0.1)});
     }
     return s;
 }

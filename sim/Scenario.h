@@ -53,6 +53,7 @@ struct InterferenceSpec
     QString channel; // "a1,n1,n2" of the latches it sits on; empty for every channel
     double microvolts = 0;
     double dutyCycle = 1.0; // share of the time it is on
+    double spread = 0.1;    // of its level from one moment to the next, as a share of it
 };
 
 // Everything a run of the simulator starts from: the modems, which one is on the cable, the radio

@@ -2,6 +2,7 @@
 #include "AppError.h"
 #include "DiagnosticForms.h"
 #include "Golden.h"
+#include "InterferenceScreens.h"
 #include "ModemSession.h"
 #include "PollingDiag.h"
 #include "ScriptedPrompts.h"
@@ -22,8 +23,11 @@ namespace {
 // The connected modem with its meter, answering without echo, and the diagnostics opened on it.
 struct Rig
 {
-    explicit Rig(bool hide = true, const QString &model = QStringLiteral("Q4U"), int option = 4)
+    explicit Rig(bool hide = true, const QString &model = QStringLiteral("Q4U"), int option = 4,
+                 double emitter = 0)
     {
+        if (emitter > 0)
+            s.interference = {{QString(), emitter, 1.0, 0}};
         s.modems[0].model = model;
         s.modems[0].option = option;
         s.modems[0].settings.insert(QStringLiteral("ECHO"), QStringLiteral("OFF"));
@@ -92,6 +96,10 @@ const char *const kRunBoxes[][2] = {
     {"rss again", "The Signal Strength Test Has Been Completed.\rDo you wish to run the test again?"},
     {"dq again", "The Data Quality Test Has Been Completed.\rDo you wish to run the test again?"},
     {"polling again", "The Polling Test Has Been Completed.\rDo you wish to run the test again?"},
+    {"stop all",
+     "This Action Will Stop All Active Tests and Close Down The Diagnostics\rDo You Wish To Proceed?"},
+    {"save data", "Do You Wish To Save the Interference Data to The Diagnostic Testing Data?"},
+    {"save file", "Do You Wish To Save The Diagnostic Testing Information To A File?"},
     {"report",
      "Do You Wish To Add All Reports To The Diagnostic Testing Data?\rThe Totals Will be Added to the "
      "Report Automatically."},
@@ -114,6 +122,20 @@ const char *const kScreenRuns[][7] = {
     {"all, polling done, Yes runs it twice", "Q4U 0 lblPolling", "mnuAll",
      "dq skip | polling again:Yes | report:No | report:No", "dq 7 7 | polling | polling",
      "Not Available/Completed/Completed", ""},
+};
+
+// The listening test beside a steady 50 microvolt emitter: the threshold's place in the list, what the
+// user does and when (ms), the boxes in turn; the list's rows as start, number and value, stop;
+// whether the report gained the block; the squelch latched afterwards and whether the meter streams.
+const char *const kListening[][7] = {
+    {"stopped by its button", "4", "9000 cmdStop", "save data:Yes",
+     "start | 1 50 | 2 50 | 3 50 | 4 50 | stop", "block", "30 off"},
+    {"a reading below the threshold is not listed", "6", "9000 mnuStop", "save data:No", "start | stop", "",
+     "30 off"},
+    {"clearing restarts the numbering", "4", "5000 mnuClear | 15000 cmdStop", "save data:Yes",
+     "start | 1 50 | 2 50 | 3 50 | stop", "block", "30 off"},
+    {"closing the diagnostics stops it first", "4", "5000 close",
+     "stop all:Yes | save data:Yes | save file:No", "start | 1 50 | 2 50 | stop", "block", "30 off"},
 };
 
 // The blocks of the report after the opening: each test's key and the addresses of its result lines.
@@ -160,9 +182,11 @@ private slots:
         rig.diag->showComments();
         PollingDiag polling(*rig.diag);
         ViewDiag view(rig.prompts);
+        Interference listening(*rig.diag);
+        InterSetup setup(*rig.diag, listening);
         for (const QWidget *w : std::initializer_list<const QWidget *>{
                  rig.diag.get(), rig.diag->diagSetup(), rig.diag->diagNewAdd(), rig.diag->diagInfo(),
-                 rig.diag->testData(), &view, rig.diag->comments(), &polling})
+                 rig.diag->testData(), &view, rig.diag->comments(), &polling, &listening, &setup})
             QVERIFY(matchesGolden(describeWindow(*w),
                                   QStringLiteral(VARNEL_GOLDEN "/%1.txt").arg(w->objectName())));
     }
@@ -386,6 +410,53 @@ private slots:
         diag.SignalStrength();
         diag.DataQuality();
         QCOMPARE(rig.prompts.beeps(), beeps + 2);
+    }
+
+    void listening_data() { addRows(kListening); }
+    void listening()
+    {
+        const auto &[name, threshold, actions, boxes, rows, block, after] = fetchRow(kListening);
+        Rig rig(true, QStringLiteral("Q4U"), 4, 50);
+        Diagnostic &diag = *rig.diag;
+        for (const QString &box : items(boxes))
+            rig.prompts.expectAnswered(boxText(box.section(u':', 0, 0)) + box.mid(box.indexOf(u':')));
+        for (const QString &action : items(actions))
+            rig.link->time().after(action.section(u' ', 0, 0).toInt(),
+                                   [&diag, what = action.section(u' ', 1)] {
+                                       if (QAction *entry = diag.interference()->findChild<QAction *>(what))
+                                           entry->trigger();
+                                       else if (what == u"close")
+                                           diag.close();
+                                       else
+                                           diag.interference()->cmdStop->click();
+                                   });
+        diag.cmdInter->click();
+        QVERIFY(diag.TestRunning);
+        auto *setup = diag.findChild<InterSetup *>();
+        setup->Combo1->setCurrentIndex(QByteArray(threshold).toInt());
+        setup->Command1->click();
+        QVERIFY(rig.prompts.verify());
+        QStringList shown;
+        for (int i = 0; i < diag.interference()->lstRSS->count(); ++i) {
+            const QString row = diag.interference()->lstRSS->item(i)->text().simplified();
+            shown << (row.contains(QLatin1String("Start Test"))  ? QStringLiteral("start")
+                      : row.contains(QLatin1String("Stop Test")) ? QStringLiteral("stop")
+                                                                 : row.section(u' ', 0, 1));
+        }
+        QCOMPARE(shown.join(QStringLiteral(" | ")), QLatin1String(rows));
+        const QString head =
+            QString(60, u'*') + QStringLiteral("\r\n*****Interference Testing Results*****\r\r\n"
+                                               " Report Number          Value               Time"
+                                               "                Date\r\n");
+        QCOMPARE(diag.report().text().contains(head + diag.interference()->run().ReportText), *block != 0);
+        // The squelch goes back without a wait; the modem takes it a moment later.
+        rig.link->time().MsDelay(1000);
+        const sim::Modem &local = rig.link->local();
+        QCOMPARE(local.latchedValue(QStringLiteral("SQUELCH")) +
+                     (local.signalStreaming() ? QStringLiteral(" on") : QStringLiteral(" off")),
+                 QLatin1String(after));
+        QVERIFY(!diag.TestRunning && diag.lblInter->text() == u"Completed" &&
+                !diag.interference()->isVisible());
     }
 
     // Closing the report asks first; closing the screen asks only about saving and hands back.

@@ -1,4 +1,5 @@
 #include "LinkMeasures.h"
+#include "InterferenceRun.h"
 #include "ModemSession.h"
 #include "ScriptedPrompts.h"
 #include "SessionRig.h"
@@ -21,7 +22,8 @@ QString expand(const char *cell)
     return repeated.repeated(text.left(star).toInt()) + text.mid(star + 1).section(u'|', 1);
 }
 
-// The meter's stream gives its highest value and band; the quality text its mean and verdict.
+// The meter's stream gives its highest value and band; the quality text its mean and verdict; the
+// listening test's input its reading, its rows their layout, and its list of choices the threshold.
 const char *const kFigures[][4] = {
     {"highest of three", "rss", "RXS ON\r\nCMD:,11,17,11,", "17 17-23"},
     {"one field between two commas", "rss", ",5,", "5 5"},
@@ -40,6 +42,14 @@ const char *const kFigures[][4] = {
     {"a short text is read again after a gap", "dq", "[7,35,60]", "30 Poor Data Quality"},
     {"a bracket at the front cuts nothing", "dq", "60]", "0 Poor Data Quality"},
     {"empty", "dq", "", "0 Poor Data Quality"},
+    {"the reading between the first two commas", "inter", "7,12,9", "12"},
+    {"one comma gives no reading", "inter", "5,", ""},
+    {"data row", "row", "12|50", "      12                 50                    08:15        2026-11-23"},
+    {"start row", "row", "start", "  Start Test                                   08:15        2026-11-23"},
+    {"stop row", "row", "stop", "   Stop Test                                   08:15        2026-11-23"},
+    {"a reading too long for its column", "row", "1|12345678901234567890", "error 5"},
+    {"the first threshold", "threshold", "0", "3"},
+    {"the last threshold", "threshold", "10", "800"},
 };
 
 const QDateTime kStart(QDate(2026, 11, 23), QTime(8, 15));
@@ -87,7 +97,19 @@ private slots:
         const auto &[name, test, input, expected] = fetchRow(kFigures);
         const QString text = expand(input);
         QString result;
-        if (QLatin1String(test) == u"rss") {
+        const QString time = QStringLiteral("08:15"), date = QStringLiteral("2026-11-23");
+        if (QLatin1String(test) == u"inter")
+            result = interferenceReading(text);
+        else if (QLatin1String(test) == u"threshold")
+            result = QString::number(thresholdFromChoice(thresholdChoices().value(text.toInt())));
+        else if (QLatin1String(test) == u"row")
+            result = outcome([&] {
+                return text == u"start"  ? InterferenceRows::start(time, date)
+                       : text == u"stop" ? InterferenceRows::stop(time, date)
+                                         : InterferenceRows::data(text.section(u'|', 0, 0).toInt(),
+                                                                  text.section(u'|', 1), time, date);
+            });
+        else if (QLatin1String(test) == u"rss") {
             const QString highest = FindHighestValue(text);
             result = highest + u' ' + signalBand(highest);
             QCOMPARE(meterSamples(text).size(), std::max<qsizetype>(0, text.count(u',') - 1));

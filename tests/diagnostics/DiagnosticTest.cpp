@@ -128,7 +128,7 @@ const char *const kScreenRuns[][7] = {
 // user does and when (ms), the boxes in turn; the list's rows as start, number and value, stop;
 // whether the report gained the block; the squelch latched afterwards and whether the meter streams.
 const char *const kListening[][7] = {
-    {"stopped by its button", "4", "9000 cmdStop", "save data:Yes",
+    {"stopped by its button, a reading at the threshold listed", "5", "9000 cmdStop", "save data:Yes",
      "start | 1 50 | 2 50 | 3 50 | 4 50 | stop", "block", "30 off"},
     {"a reading below the threshold is not listed", "6", "9000 mnuStop", "save data:No", "start | stop", "",
      "30 off"},

@@ -146,7 +146,8 @@ void openConnections(QWidget *parent)
     textForm(parent, "Connections", QStringLiteral("Varnel Serial Connections"),
              {QStringLiteral("RS-232 (25 pin):  2 TXD in,  3 RXD out,  4 RTS in,  5 CTS out,  6 DSR out,  "
                              "7 Ground,  8 DCD out,  20 DTR in"),
-              QStringLiteral("RS-422/485 (25 pin):  14 TX+,  15 TX-,  16 RX+,  17 RX-,  7 Ground"),
+              QStringLiteral("RS-422/485:  TX+,  TX-,  RX+,  RX-  and Ground; the pins of this interface are "
+                             "given in the modem's installation manual."),
               QStringLiteral("For RS-485 two-wire use, join TX+ to RX+ and TX- to RX-.")})
         ->show();
 }

@@ -3,6 +3,7 @@
 #include <vterm.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -17,6 +18,16 @@ bool isPlainAscii(uchar byte)
     return (byte >= 0x20 && byte < 0x7F) || byte == '\r' || byte == '\n' || byte == '\t' || byte == '\b' ||
            byte == '\a';
 }
+
+// Plain as the shortcut counts it: in the TTY emulation every byte above 127 too.
+bool isPlainByte(uchar byte, bool highIsPlain)
+{
+    return isPlainAscii(byte) || (highIsPlain && byte >= 0x80);
+}
+
+// The queue moves what it still holds to its front once this much before it is spent, and no more
+// than it moves.
+constexpr qsizetype kCompactAt = 256 * 1024;
 
 TermColor colorOf(const VTermScreen *screen, VTermColor color, bool foreground)
 {
@@ -187,62 +198,82 @@ void TermEmulator::clearScrollback()
 
 void TermEmulator::write(QByteArrayView bytes)
 {
-    if (m_pendingStart > 0 && m_pendingStart == m_pending.size()) {
-        m_pending.clear();
-        m_pendingStart = 0;
-    }
+    bool plainSoFar = m_plainFront == pendingBytes();
     m_pending.append(bytes.data(), bytes.size());
-}
-
-qsizetype TermEmulator::forgettablePrefix(QByteArrayView bytes) const
-{
     if (!m_plainHistory)
-        return 0;
-    // Enough line feeds must follow the cut to move the cursor to the bottom from anywhere, and then
-    // to push the whole screen and the whole scroll-back out. They must follow a carriage return, as
-    // the column a line starts in depends on what went before until the next one.
-    const qsizetype needed = 2 * qsizetype(m_rows) + m_scrollLimit + 1;
-    qsizetype i = bytes.size();
-    qsizetype feeds = 0;
-    while (i > 0 && feeds < needed) {
-        --i;
-        if (bytes[i] == kLf)
-            ++feeds;
-    }
-    if (feeds < needed)
-        return 0;
-    while (i > 0 && bytes[i] != kCr)
-        --i;
-    if (bytes[i] != kCr)
-        return 0;
+        return;
     const bool highIsPlain = m_emulation == TermEmulation::Tty;
     const auto *data = reinterpret_cast<const uchar *>(bytes.data());
-    for (qsizetype k = 0; k < i; ++k)
-        if (!isPlainAscii(data[k]) && !(highIsPlain && data[k] >= 0x80))
-            return 0;
-    return i;
+    for (qsizetype k = 0; k < bytes.size(); ++k) {
+        if (data[k] == kLf)
+            ++m_pendingFeeds;
+        else if (plainSoFar && !isPlainByte(data[k], highIsPlain))
+            plainSoFar = false;
+        m_plainFront += plainSoFar ? 1 : 0;
+    }
+    // Cutting only once twice the feeds needed wait scans each byte for a cut about once.
+    if (plainSoFar)
+        forgetUnseen(2 * feedsToKeep());
+}
+
+qsizetype TermEmulator::feedsToKeep() const
+{
+    // Enough line feeds must follow the cut to move the cursor to the bottom from anywhere, and then
+    // to push the whole screen and the whole scroll-back out.
+    return 2 * qsizetype(m_rows) + m_scrollLimit + 1;
+}
+
+void TermEmulator::forgetUnseen(qsizetype keepAtLeast)
+{
+    const qsizetype needed = feedsToKeep();
+    if (!m_plainHistory || m_pendingFeeds < std::max(needed, keepAtLeast))
+        return;
+    const char *data = m_pending.constData();
+    qsizetype cut = m_pending.size();
+    qsizetype kept = 0;
+    while (kept < needed)
+        if (data[--cut] == kLf)
+            ++kept;
+    // The cut must follow a carriage return, as the column a line starts in depends on what went
+    // before until the next one.
+    while (cut > m_pendingStart && data[cut] != kCr)
+        if (data[--cut] == kLf)
+            ++kept;
+    if (data[cut] != kCr || cut - m_pendingStart > m_plainFront)
+        return;
+    m_scrolled += m_pendingFeeds - kept;
+    m_pendingFeeds = kept;
+    m_damage = QRect(0, 0, m_columns, m_rows);
+    dropFront(cut - m_pendingStart);
+}
+
+void TermEmulator::dropFront(qsizetype length)
+{
+    m_pendingStart += length;
+    m_plainFront -= length;
+    if (m_pendingStart == m_pending.size()) {
+        // The storage stays for the next burst.
+        m_pending.resize(0);
+        m_pendingStart = 0;
+        m_pendingFeeds = 0;
+        m_plainFront = 0;
+    } else if (m_pendingStart >= kCompactAt && m_pendingStart >= pendingBytes()) {
+        const qsizetype left = pendingBytes();
+        std::memmove(m_pending.data(), m_pending.constData() + m_pendingStart, size_t(left));
+        m_pending.resize(left);
+        m_pendingStart = 0;
+    }
 }
 
 bool TermEmulator::process(qsizetype maxBytes)
 {
-    QByteArrayView view(m_pending.constData() + m_pendingStart, m_pending.size() - m_pendingStart);
-    const qsizetype skip = forgettablePrefix(view);
-    if (skip > 0) {
-        m_scrolled += std::count(view.begin(), view.begin() + skip, kLf);
-        m_damage = QRect(0, 0, m_columns, m_rows);
-        m_pendingStart += skip;
-        view = view.sliced(skip);
-    }
-    const qsizetype length = maxBytes < 0 ? view.size() : std::min(maxBytes, view.size());
-    feedVterm(view.data(), length);
-    m_pendingStart += length;
-    if (m_pendingStart == m_pending.size()) {
-        m_pending.clear();
-        m_pendingStart = 0;
-    } else if (m_pendingStart > (1 << 20)) {
-        m_pending.remove(0, m_pendingStart);
-        m_pendingStart = 0;
-    }
+    forgetUnseen(0);
+    const qsizetype length = maxBytes < 0 ? pendingBytes() : std::min(maxBytes, pendingBytes());
+    const char *fed = m_pending.constData() + m_pendingStart;
+    feedVterm(fed, length);
+    if (m_plainHistory)
+        m_pendingFeeds -= std::count(fed, fed + length, kLf);
+    dropFront(length);
     return hasPending();
 }
 
@@ -253,9 +284,8 @@ void TermEmulator::feedVterm(const char *bytes, qsizetype length)
     if (m_plainHistory) {
         const bool highIsPlain = m_emulation == TermEmulation::Tty;
         const auto *data = reinterpret_cast<const uchar *>(bytes);
-        m_plainHistory = std::all_of(data, data + length, [highIsPlain](uchar b) {
-            return isPlainAscii(b) || (highIsPlain && b >= 0x80);
-        });
+        m_plainHistory =
+            std::all_of(data, data + length, [highIsPlain](uchar b) { return isPlainByte(b, highIsPlain); });
     }
     vterm_input_write(m_vt, bytes, size_t(length));
     vterm_screen_flush_damage(m_screen);

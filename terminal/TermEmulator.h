@@ -57,8 +57,9 @@ QByteArray ttyFilter(QByteArrayView bytes);
 //
 // A long run of plain text (printable characters, CR, LF, TAB, BS) forgets everything before its
 // last few hundred lines: they end up beyond the scroll-back anyway. So while everything since
-// the last reset was plain, process() passes only the part of the queue that can still be seen to
-// libvterm. That keeps a fast modem stream from costing more than the lines it leaves visible.
+// the last reset was plain, only the part of the queue that can still be seen reaches libvterm.
+// The queue drops what can no longer be seen as it grows, so a fast modem stream costs no more
+// than the lines it leaves visible, and the queue stays a few screens long however long the stream.
 class TermEmulator
 {
 public:
@@ -125,7 +126,13 @@ private:
     void create();
     void feedVterm(const char *bytes, qsizetype length);
     void pushLine(int columns, const void *cells);
-    qsizetype forgettablePrefix(QByteArrayView bytes) const;
+    // Line feeds that must follow a cut in the queue (see forgetUnseen).
+    qsizetype feedsToKeep() const;
+    // Drops the queue's plain front that the line feeds behind it push out of sight, when at least
+    // keepAtLeast of them follow.
+    void forgetUnseen(qsizetype keepAtLeast);
+    // The queue lost its first length bytes to libvterm or to forgetUnseen.
+    void dropFront(qsizetype length);
 
     VTerm *m_vt = nullptr;
     VTermScreen *m_screen = nullptr;
@@ -141,6 +148,10 @@ private:
 
     QByteArray m_pending;
     qsizetype m_pendingStart = 0;
+    // While the history is plain: the line feeds in the queue, and how many of its first bytes are
+    // plain text (all of them, or up to the first that is not).
+    qsizetype m_pendingFeeds = 0;
+    qsizetype m_plainFront = 0;
     // Everything fed since the last reset was plain text, so the parser rests in its ground state
     // and no mode, margin or character set differs from the defaults.
     bool m_plainHistory = true;

@@ -157,9 +157,10 @@ private slots:
 
         TermEmulator burst(25, 80);
         TermEmulator trickle(25, 80);
-        burst.setScrollLimit(100);
-        trickle.setScrollLimit(100);
-        for (TermEmulator *emu : {&burst, &trickle}) {
+        // A fast port: pieces queued one after another, interpreted only at the end.
+        TermEmulator pieces(25, 80);
+        for (TermEmulator *emu : {&burst, &trickle, &pieces}) {
+            emu->setScrollLimit(100);
             emu->write(before);
             emu->process();
         }
@@ -169,7 +170,11 @@ private slots:
             trickle.write(stream.mid(i, 7));
             trickle.process();
         }
+        for (qsizetype i = 0; i < stream.size(); i += 4096)
+            pieces.write(stream.mid(i, 4096));
+        pieces.process();
         QCOMPARE(dump(burst), dump(trickle));
+        QCOMPARE(dump(pieces), dump(trickle));
     }
 
     void fastStreamIsPassedOverOnlyWhenPlain()
@@ -181,6 +186,20 @@ private slots:
         // Of 5000 lines only those that can still be seen are interpreted.
         QVERIFY(plain.interpretedBytes() < stream.size() / 5);
         QCOMPARE(plain.takeScrolledLines(), 5000 - 24);
+
+        // Queued without a pause, the stream never waits longer than twice the 2 * 25 + 409 + 1 lines
+        // that can still show, and a piece.
+        TermEmulator queued(25, 80);
+        qsizetype longest = 0;
+        for (qsizetype i = 0; i < stream.size(); i += 4096) {
+            queued.write(stream.mid(i, 4096));
+            longest = std::max(longest, queued.pendingBytes());
+        }
+        QVERIFY(longest <= 2 * 460 * 11 + 4096);
+        QVERIFY(longest > 460 * 11);
+        queued.process();
+        QCOMPARE(queued.takeScrolledLines(), 5000 - 24);
+        QCOMPARE(queued.rowText(-409), QStringLiteral("line 4568"));
 
         TermEmulator coloured(25, 80);
         coloured.write("\x1b[32m");

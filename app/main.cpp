@@ -1,25 +1,10 @@
 #include "CommandLine.h"
 #include "IniFile.h"
-#include "MainMenu.h"
-#include "ModemSession.h"
-#include "PortMap.h"
-#include "SerialCommControl.h"
-#include "TimeSource.h"
-#include "WidgetPrompts.h"
-#include "frmSplash.h"
+#include "Program.h"
 
 #include <QApplication>
-#include <QSerialPortInfo>
 
 namespace {
-QStringList systemSerialPorts()
-{
-    QStringList locations;
-    for (const QSerialPortInfo &info : QSerialPortInfo::availablePorts())
-        locations << info.systemLocation();
-    return orderSystemPorts(locations);
-}
-
 QStringList argumentsOf(int argc, char *argv[])
 {
     QStringList arguments;
@@ -44,18 +29,7 @@ int main(int argc, char *argv[])
     if (line.action != CommandLine::Action::Run)
         return answerCommandLine(line);
 
-    IniFile ini(line.settingsFile.isEmpty() ? GetIniFileName() : line.settingsFile);
-    RealTime time;
-    WidgetPrompts prompts;
-    SerialCommControl comm1([&ini](int port) { return devicePathForPort(ini, port, systemSerialPorts()); });
-    ModemSession session(comm1, time, prompts);
-    MainMenu mainMenu(session, ini);
-
-    auto *splash = new frmSplash;
-    QObject::connect(splash, &frmSplash::finished, &mainMenu, [&] {
-        mainMenu.Load();
-        mainMenu.show();
-    });
-    splash->show();
+    Program program(line.settingsFile.isEmpty() ? GetIniFileName() : line.settingsFile);
+    program.start();
     return app.exec();
 }

@@ -80,7 +80,8 @@ QStringList orderSystemPorts(const QStringList &systemLocations)
     return ports;
 }
 
-QString devicePathForPort(const IniFile &ini, int port, const QStringList &orderedSystemPorts)
+QString devicePathForPort(const IniFile &ini, int port,
+                          const std::function<QStringList()> &orderedSystemPorts)
 {
     if (port < kFirstPort || port > kLastPort)
         return QString();
@@ -88,5 +89,6 @@ QString devicePathForPort(const IniFile &ini, int port, const QStringList &order
                                          QString(), kDevicePathBuffer);
     if (!mapped.isEmpty())
         return mapped;
-    return port <= orderedSystemPorts.size() ? orderedSystemPorts.at(port - 1) : QString();
+    const QStringList system = orderedSystemPorts();
+    return port <= system.size() ? system.at(port - 1) : QString();
 }

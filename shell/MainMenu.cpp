@@ -190,11 +190,17 @@ void MainMenu::updateSections()
     mnuStart->setEnabled(bool(openStartingOut));
 }
 
+void MainMenu::prepareTerminal()
+{
+    if (!m_terminal)
+        m_terminal = new Terminal(m_session, m_ini);
+}
+
 void MainMenu::Load()
 {
     updateSections();
     m_session.IrDongleActive = false;
-    m_terminal = new Terminal(m_session, m_ini);
+    prepareTerminal();
     m_terminal->Load();
     m_terminal->setVisible(false);
     connect(m_terminal, &Terminal::returnedToMainMenu, this, &MainMenu::sectionEnded);

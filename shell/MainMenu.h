@@ -23,6 +23,8 @@ public:
     MainMenu(ModemSession &session, IniFile &ini, QWidget *parent = nullptr);
     ~MainMenu() override;
 
+    // Builds the hidden Terminal window ahead of the load event, while the splash shows.
+    void prepareTerminal();
     // The load event: clears the adaptor flag and loads Terminal, hidden.
     void Load();
 

@@ -4,7 +4,9 @@
 #include "frmAbout.h"
 
 #include <QLabel>
+#include <QMetaObject>
 #include <QVBoxLayout>
+#include <utility>
 
 frmSplash::frmSplash(QWidget *parent) : QWidget(parent, Qt::SplashScreen | Qt::FramelessWindowHint)
 {
@@ -35,4 +37,12 @@ frmSplash::frmSplash(QWidget *parent) : QWidget(parent, Qt::SplashScreen | Qt::F
         close();
     });
     Timer1.start();
+}
+
+void frmSplash::paintEvent(QPaintEvent *event)
+{
+    QWidget::paintEvent(event);
+    // Told once the labels are painted too, after this turn of the event loop.
+    if (!std::exchange(m_painted, true))
+        QMetaObject::invokeMethod(this, &frmSplash::shownOnScreen, Qt::QueuedConnection);
 }

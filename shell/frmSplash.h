@@ -20,6 +20,14 @@ public:
     QTimer Timer1;
 
 signals:
+    // The splash was painted on the screen: what the main menu needs can be built meanwhile.
+    void shownOnScreen();
     // Timer1 fired: time to show the main menu; the splash closes itself after.
     void finished();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    bool m_painted = false;
 };

@@ -26,25 +26,26 @@ const char *const kOrders[][3] = {
     {"later run decides", "a1b10 a1b9", "a1b9 a1b10"},
 };
 
-// The port map of the settings file, how many devices the system lists, a port number, its device.
+// The port map of the settings file, how many devices the system lists, a port number, its device,
+// and whether the system's list was needed for it.
 const char *const kMapFile = "[Port_Phone]\r\nComm Port=3\r\n[port map]\r\ncom3 = /tmp/varnel/modem-pty \r\n"
                              "COM16=/dev/serial/by-id/usb-Varnel_Q40-if00\r\nCOM2=\r\nCOM17=/dev/never\r\n"
                              "COM0=/dev/zero-port\r\nCOM-1=/dev/minus\r\n";
 
-const char *const kMappings[][5] = {
-    {"first system port", "", "3", "1", "/dev/ttyUSB3"},
-    {"second system port", "", "3", "2", "/dev/ttyUSB12"},
-    {"built-in port after the adapters", "", "3", "3", "/dev/ttyS0"},
-    {"beyond the system ports", "", "3", "4", ""},
-    {"16 of twenty", "", "20", "16", "/dev/ttyS13"},
-    {"17 of twenty reaches nothing", "", "20", "17", ""},
-    {"unmapped is the system port", kMapFile, "3", "1", "/dev/ttyUSB3"},
-    {"an empty key maps nothing", kMapFile, "3", "2", "/dev/ttyUSB12"},
-    {"mapped, names without regard to case", kMapFile, "3", "3", "/tmp/varnel/modem-pty"},
-    {"mapped 16", kMapFile, "3", "16", "/dev/serial/by-id/usb-Varnel_Q40-if00"},
-    {"mapped 17 reaches nothing", kMapFile, "20", "17", ""},
-    {"mapped 0 reaches nothing", kMapFile, "20", "0", ""},
-    {"mapped -1 reaches nothing", kMapFile, "20", "-1", ""},
+const char *const kMappings[][6] = {
+    {"first system port", "", "3", "1", "/dev/ttyUSB3", "asks"},
+    {"second system port", "", "3", "2", "/dev/ttyUSB12", "asks"},
+    {"built-in port after the adapters", "", "3", "3", "/dev/ttyS0", "asks"},
+    {"beyond the system ports", "", "3", "4", "", "asks"},
+    {"16 of twenty", "", "20", "16", "/dev/ttyS13", "asks"},
+    {"17 of twenty reaches nothing", "", "20", "17", "", ""},
+    {"unmapped is the system port", kMapFile, "3", "1", "/dev/ttyUSB3", "asks"},
+    {"an empty key maps nothing", kMapFile, "3", "2", "/dev/ttyUSB12", "asks"},
+    {"mapped, names without regard to case", kMapFile, "3", "3", "/tmp/varnel/modem-pty", ""},
+    {"mapped 16", kMapFile, "3", "16", "/dev/serial/by-id/usb-Varnel_Q40-if00", ""},
+    {"mapped 17 reaches nothing", kMapFile, "20", "17", "", ""},
+    {"mapped 0 reaches nothing", kMapFile, "20", "0", "", ""},
+    {"mapped -1 reaches nothing", kMapFile, "20", "-1", "", ""},
 };
 
 } // namespace
@@ -70,7 +71,7 @@ private slots:
     void devicePathForPort_data() { addRows(kMappings); }
     void devicePathForPort()
     {
-        const auto &[name, file, devices, port, expected] = fetchRow(kMappings);
+        const auto &[name, file, devices, port, expected, asks] = fetchRow(kMappings);
         QTemporaryDir dir;
         const IniFile ini(dir.filePath(QStringLiteral("varnel-utility.INI")));
         QVERIFY(writeBytes(ini.path(), file));
@@ -78,7 +79,14 @@ private slots:
                            QStringLiteral("/dev/ttyUSB12")};
         for (int i = 1; system.size() < atoi(devices); ++i)
             system << QStringLiteral("/dev/ttyS%1").arg(i);
-        QCOMPARE(::devicePathForPort(ini, atoi(port), ::orderSystemPorts(system)), QLatin1String(expected));
+        // Listing the system's devices is slow: a mapped port never asks for the list.
+        bool asked = false;
+        const auto systemPorts = [&] {
+            asked = true;
+            return ::orderSystemPorts(system);
+        };
+        QCOMPARE(::devicePathForPort(ini, atoi(port), systemPorts), QLatin1String(expected));
+        QCOMPARE(asked, *asks != 0);
     }
 };
 

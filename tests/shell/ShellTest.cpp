@@ -19,6 +19,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 namespace {
@@ -62,9 +63,16 @@ private slots:
         for (const QWidget *w : std::initializer_list<const QWidget *>{&s.menu, &about, splash})
             QVERIFY(matchesGolden(describeWindow(*w),
                                   QStringLiteral(VARNEL_GOLDEN "/%1.txt").arg(w->objectName())));
-        // The splash hands over after half a second.
+        // The splash hands over after half a second; once it is on the screen, and only once, it
+        // lets the program build what comes next.
         QVERIFY(splash->Timer1.isActive() && splash->Timer1.isSingleShot());
         QCOMPARE(splash->Timer1.interval(), 500);
+        QSignalSpy shown(splash, &frmSplash::shownOnScreen);
+        splash->show();
+        QVERIFY(shown.wait());
+        splash->repaint();
+        QVERIFY(!shown.wait(50));
+        QVERIFY(splash->Timer1.isActive());
         delete splash;
     }
 
@@ -176,6 +184,17 @@ private slots:
         QVERIFY(s.port.PortOpen());
         QCOMPARE(s.key("Comm Port"), QStringLiteral("1"));
         QVERIFY(s.prompts.verify());
+    }
+
+    void terminalBuiltAheadWaitsForTheLoad()
+    {
+        Shell s;
+        s.menu.prepareTerminal();
+        Terminal *prepared = s.menu.terminal();
+        QVERIFY(prepared && !prepared->isLoaded() && !prepared->isVisible() && !s.port.PortOpen());
+        s.menu.Load();
+        QCOMPARE(s.menu.terminal(), prepared);
+        QVERIFY(prepared->isLoaded() && s.port.PortOpen());
     }
 
     void sectionsComeAndGo()

@@ -2,6 +2,7 @@
 
 #include "Named.h"
 
+#include <QCloseEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -9,6 +10,7 @@
 FlashProgress::FlashProgress(QWidget *parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("FlashProgress"));
+    setWindowModality(Qt::ApplicationModal);
     setWindowTitle(QStringLiteral("Flash Upload Progress"));
     lblUpload = named<QLabel>("lblUpload", this);
     lblBlock = named<QLabel>("lblBlock", this);
@@ -28,6 +30,11 @@ FlashProgress::FlashProgress(QWidget *parent) : QDialog(parent)
     layout->addWidget(pbFlash, 1, 0, 1, 4);
     layout->addWidget(Label2, 2, 0, 1, 4, Qt::AlignCenter);
     setMinimumWidth(360);
+}
+
+void FlashProgress::closeEvent(QCloseEvent *event)
+{
+    event->ignore();
 }
 
 FlashScreen::FlashScreen(FlashTerminalHooks hooks, QWidget *parent)

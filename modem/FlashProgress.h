@@ -10,12 +10,15 @@ class ModemSession;
 class QLabel;
 class QProgressBar;
 
-// "Flash Upload Progress": what stage the update is in, which block goes up, and the bar.
+// "Flash Upload Progress": what stage the update is in, which block goes up, and the bar. It holds
+// the whole program while it stands: a key typed into the terminal or a second update would reach
+// the loader, and a half-written image cannot be taken back, so it cannot be closed either.
 class FlashProgress : public QDialog
 {
     Q_OBJECT
 public:
     explicit FlashProgress(QWidget *parent = nullptr);
+    void reject() override {}
 
     QLabel *lblUpload;
     QLabel *lblBlock;
@@ -23,6 +26,9 @@ public:
     QLabel *lblTotal;
     QLabel *Label2;
     QProgressBar *pbFlash;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
 };
 
 // The terminal's part in an update, set by the shell: its title and its screen.

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QProgressBar>
+#include <QTest>
 
 // The progress form as the update drives it, and the terminal's part through the hooks.
 class FlashProgressTest : public QObject
@@ -32,6 +33,9 @@ private slots:
                      form.lblTotal->text(),
                  QStringLiteral("Uploading Block 2 of 2"));
         QVERIFY(form.isVisible() && form.lblTotal->isVisible());
+        // Neither Escape nor the close button stops an update, and nothing else takes input meanwhile.
+        QTest::keyClick(&form, Qt::Key_Escape);
+        QVERIFY(!form.close() && form.isVisible() && QApplication::activeModalWidget() == &form);
         // The last block may run past the end of the file; the bar stops at full.
         QCOMPARE(form.pbFlash->value(), 8189);
         screen.setBlocksVisible(false);

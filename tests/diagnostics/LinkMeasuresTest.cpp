@@ -65,14 +65,17 @@ sim::Scenario site(const QString &model)
 
 // Runs over the rows, with Cancel or the unit at the cable falling silent after some addresses; the
 // result lines of the report, the commands among those sent, the squelch and noise squelch of the
-// unit at the cable afterwards, and whether anything (a remote's transmitter, a mode) is left on.
-const char *const kRuns[][6] = {
+// unit at the cable afterwards, whether anything (a remote's transmitter, a mode) is left on, and
+// the steps of the progress bar.
+const char *const kRuns[][7] = {
     {"signal strength", "rss Q4U", "7 | 5,7 | 9 | 12",
      "Address 7  = 35-50 µV | Address 9  = 6-10 µV | Address 12  = Failed to Connect",
      "squelch 0:latch | squelch 25:latch | asquelch 100:latch | asquelch 60:latch", "25 60 off"},
     {"signal strength cancelled", "rss Q4U cancel1", "7 | 9", "Address 7  = 35-50 µV", "", "25 60 off"},
     {"signal strength, unit falls silent", "rss Q4U silent1", "7 | 9",
-     "Address 7  = 35-50 µV | Address 9  = Failed to Connect", "", "25 60 off"},
+     "Address 7  = 35-50 µV | Address 9  = Failed to Connect", "", "25 60 off",
+     "1 10 15 20 30 40 50 51.5 53 54.5 56 57.5 59 60.5 62 63.5 65 66.5 68 69.5 71 72.5 90 100 "
+     "1 10 15 20 50 100"},
     {"spread spectrum listens with asquelch 0", "rss Q4Z", "9", "Address 9  = 6-10 µV", "asquelch 0:latch",
      "25 60 off"},
     {"data quality", "dq Q4U", "7 | 5,7 | 9 | 12",
@@ -83,7 +86,8 @@ const char *const kRuns[][6] = {
     {"data quality cancelled", "dq Q4U cancel1", "7 | 9", "Address 7  = 77  (Good Data Quality)", "",
      "25 60 off"},
     {"data quality, unit falls silent", "dq Q4U silent1", "7 | 9",
-     "Address 7  = 77  (Good Data Quality) | Address 9  = Failed to Connect", "", "30 40 on"},
+     "Address 7  = 77  (Good Data Quality) | Address 9  = Failed to Connect", "", "30 40 on",
+     "1 10 30 40 45 50 55 60 65 70 75 80 85 90 95 100 1 10 30 75 100"},
 };
 } // namespace
 
@@ -127,7 +131,7 @@ private slots:
     void runs_data() { addRows(kRuns); }
     void runs()
     {
-        const auto &[name, how, rows, block, wire, after] = fetchRow(kRuns);
+        const auto &[name, how, rows, block, wire, after, bar] = fetchRow(kRuns);
         const QStringList options = QString::fromLatin1(how).split(u' ');
         sim::SimulatedModemLink link(site(options[1]));
         link.time().setOrigin(kStart);
@@ -137,7 +141,12 @@ private slots:
         const QString fault = options.value(2);
         int measured = 0;
         const int at = fault.right(1).toInt();
-        TestHooks hooks{{}, [&](const QString &line) { lines << line; }, [](auto) {}, {}, [](double) {}};
+        QStringList progress;
+        TestHooks hooks{{},
+                        [&](const QString &line) { lines << line; },
+                        [](auto) {},
+                        {},
+                        [&](double value) { progress << QString::number(value); }};
         hooks.running = [&] { return !fault.startsWith(u"cancel") || measured < at; };
         hooks.address = [&](const QString &) {
             if (measured++ == at && fault.startsWith(u"silent"))
@@ -179,6 +188,8 @@ private slots:
         // Every measured address gave its samples: sixty meter readings less the last, or ten turns.
         for (const AddressSamples &s : samples)
             QCOMPARE(s.values.size(), rss ? 58 : 10);
+        if (bar)
+            QCOMPARE(progress.join(u' '), QLatin1String(bar));
     }
 
     // A path with spread: the highest reading and the mean quality are those the units printed.

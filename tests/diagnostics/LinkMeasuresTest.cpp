@@ -41,6 +41,7 @@ const char *const kFigures[][4] = {
     {"only what follows a comma", "dq", "10*5,7]", "7 Poor Data Quality"},
     {"a short text is read again after a gap", "dq", "[7,35,60]", "30 Poor Data Quality"},
     {"a bracket at the front cuts nothing", "dq", "60]", "0 Poor Data Quality"},
+    {"the first turn looks from the first place", "dq", "]7,60]", "18 Poor Data Quality"},
     {"empty", "dq", "", "0 Poor Data Quality"},
     {"the reading between the first two commas", "inter", "7,12,9", "12"},
     {"one comma gives no reading", "inter", "5,", ""},

@@ -24,24 +24,11 @@
 #include <QVBoxLayout>
 
 namespace {
-// A name of one blank in the open dialog: a dialog that hands it back has chosen nothing.
-const QString kBlankName = QStringLiteral(" ");
-
 struct StatusLook
 {
     const char *caption;
     QColor back, text;
 };
-
-QString fileName(Prompts &prompts, FileDialogRequest::Kind kind, const QString &filter,
-                 const QString &preset = {})
-{
-    FileDialogRequest request;
-    request.kind = kind;
-    request.filter = fileDialogFilter(filter);
-    request.fileName = preset;
-    return prompts.FileDialog(request);
-}
 } // namespace
 
 void setTestStatus(QLabel *label, TestStatus status)
@@ -210,8 +197,7 @@ void Diagnostic::buildMenus()
     connect(mnuRSS, &QAction::triggered, this, &Diagnostic::SignalStrength);
     connect(mnuDQ, &QAction::triggered, this, &Diagnostic::DataQuality);
     connect(mnuInterference, &QAction::triggered, this, &Diagnostic::mnuInterference_Click);
-    // The repeater site test is not part of this program yet.
-    mnuRTNRepTest->setEnabled(false);
+    connect(mnuRTNRepTest, &QAction::triggered, this, &Diagnostic::mnuRTNRepTest_Click);
 }
 
 void Diagnostic::open()
@@ -331,7 +317,7 @@ void Diagnostic::cmdDelAdd_Click()
 
 void Diagnostic::mnuSave_Click()
 {
-    const QString name = fileName(m_session.prompts(), FileDialogRequest::Kind::Save, kReportFileFilter);
+    const QString name = askFileName(m_session.prompts(), FileDialogRequest::Kind::Save, kReportFileFilter);
     // A cancelled dialog leaves no name, and the save that follows fails with the standard box.
     attempt(m_session.prompts(), [&] { saveReport(name, m_report.text()); });
 }
@@ -341,7 +327,7 @@ void Diagnostic::mnuSaveAdds_Click()
     if (lstAdds->currentRow() >= 0 && !lstAdds->selectedItems().isEmpty())
         lstAdds->setCurrentRow(0);
     const QStringList rows = addresses();
-    const QString name = fileName(m_session.prompts(), FileDialogRequest::Kind::Save, kAddressFileFilter);
+    const QString name = askFileName(m_session.prompts(), FileDialogRequest::Kind::Save, kAddressFileFilter);
     if (!name.isEmpty())
         attempt(m_session.prompts(), [&] { writeProgramFile(name, rows); });
 }
@@ -350,8 +336,8 @@ void Diagnostic::mnuOpenList_Click()
 {
     BusyPointer busy(m_session.prompts());
     const QString name =
-        fileName(m_session.prompts(), FileDialogRequest::Kind::Open, kAddressFileFilter, kBlankName);
-    if (name.isEmpty() || name == kBlankName)
+        askFileName(m_session.prompts(), FileDialogRequest::Kind::Open, kAddressFileFilter, kBlankFileName);
+    if (name.isEmpty() || name == kBlankFileName)
         return;
     const ProgramFileContents contents = readProgramFile(name);
     if (contents.errorNumber) {

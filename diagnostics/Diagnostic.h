@@ -40,6 +40,9 @@ public:
     // The Hide Diag setting, kept by the shell.
     std::function<bool()> hideDiag;
     std::function<void(bool)> setHideDiag;
+    // The Repeater Setup setting: a repeater configuration has been saved before.
+    std::function<bool()> repeaterSetup;
+    std::function<void(bool)> setRepeaterSetup;
 
     // From the main menu, at the prompt: the report opens, the modem is read, the introduction or the
     // address dialog follows.
@@ -79,6 +82,8 @@ public:
     // The progress dialog of a test, shown beside the screens.
     DiagInfo *showDiagInfo(const QString &title);
     void showComments();
+    // What a test shows in the progress dialog and adds to the report, once the dialog is shown.
+    TestHooks testHooks();
     // The report form in front, in its normal state.
     void showReport();
     // The samples of the last run of each test, one entry a measured address.
@@ -91,6 +96,7 @@ public:
 
     void mnuAll_Click();
     void mnuInterference_Click();
+    void mnuRTNRepTest_Click();
     void BeginTesting();
     void SignalStrength();
     void DataQuality();
@@ -116,7 +122,6 @@ private:
     bool startLinkTest(QLabel *label, const QString &testName, const QString &skipText, const QString &title);
     void endLinkTest(QLabel *label);
     bool askTestAgain(const QString &testName);
-    TestHooks testHooks();
 
     void buildScreen();
     void buildMenus();

@@ -97,8 +97,7 @@ DiagNewAdd::DiagNewAdd(Diagnostic &diagnostic) : m_diagnostic(diagnostic)
     mnuRepeater = namedEntry(file, "mnuRepeater", QStringLiteral("&RTN Repeater Testing"));
     mnuOpenList = namedEntry(file, "mnuOpenList", QStringLiteral("&Open Saved Polling List"));
     mnuExit = namedEntry(file, "mnuExit", QStringLiteral("&Exit Diagnostics"));
-    // The repeater site test is not part of this program yet.
-    mnuRepeater->setEnabled(false);
+    connect(mnuRepeater, &QAction::triggered, &m_diagnostic, &Diagnostic::mnuRTNRepTest_Click);
     connect(mnuOpenList, &QAction::triggered, &m_diagnostic, &Diagnostic::mnuOpenList_Click);
     connect(mnuExit, &QAction::triggered, &m_diagnostic, &QWidget::close);
     connect(cmdNext, &QPushButton::clicked, this, &DiagNewAdd::cmdNext_Click);

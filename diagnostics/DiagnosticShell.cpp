@@ -5,6 +5,7 @@
 #include "DiagnosticReport.h"
 #include "ModemParams.h"
 #include "ModemSession.h"
+#include "ProgramFile.h"
 #include "RepeaterRoute.h"
 #include "TextRules.h"
 
@@ -110,4 +111,14 @@ TestPacketChoice testPacketFor(const QString &sizeText)
     if (size < kMinPacket || size > kMaxPacket)
         return {{}, QStringLiteral("Your Test Packet Must Be Between 10 and 2000")};
     return {MakeTestPattern(size - 1), {}};
+}
+
+QString askFileName(Prompts &prompts, FileDialogRequest::Kind kind, const QString &filter,
+                    const QString &preset)
+{
+    FileDialogRequest request;
+    request.kind = kind;
+    request.filter = fileDialogFilter(filter);
+    request.fileName = preset;
+    return prompts.FileDialog(request);
 }

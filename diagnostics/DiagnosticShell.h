@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Prompts.h"
+
 #include <QString>
 #include <QStringList>
 #include <array>
@@ -67,3 +69,9 @@ inline const QString kNoAddressText =
 inline const QString kAddressFileFilter = QStringLiteral("Varnel Test Addresses (*.nva)|*.nva");
 inline const QString kReportFileFilter =
     QStringLiteral("Diagnostic File (*.rtf)|*.rtf|PDF Document (*.pdf)|*.pdf");
+
+// A name of one blank in the open dialog: a dialog that hands it back has chosen nothing.
+inline const QString kBlankFileName = QStringLiteral(" ");
+// The name the user picks in a file dialog with the filter as the program writes it, empty on Cancel.
+QString askFileName(Prompts &prompts, FileDialogRequest::Kind kind, const QString &filter,
+                    const QString &preset = {});

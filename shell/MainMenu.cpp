@@ -142,6 +142,11 @@ void MainMenu::showDiagnostics()
         if (m_terminal)
             m_terminal->Settings.hideDiag = hide;
     };
+    m_diagnostic->repeaterSetup = [this] { return m_terminal && m_terminal->Settings.repeaterSetup; };
+    m_diagnostic->setRepeaterSetup = [this](bool saved) {
+        if (m_terminal)
+            m_terminal->Settings.repeaterSetup = saved;
+    };
     connect(m_diagnostic, &Diagnostic::returnedToMainMenu, this, &MainMenu::sectionEnded);
     m_diagnostic->open();
 }

@@ -71,8 +71,12 @@ void RepeaterSiteRun::run(const RepeaterRows &rows)
     m_hooks.addData(QStringLiteral("Link Status By Repeater Name and Address"));
     send("FA\r");
     m_session.WaitForReply(QByteArrayLiteral("CMD:"), 1000);
-    for (int i = 0; i < kRepeaterRows && !rows[size_t(i)].address.isEmpty(); ++i)
-        tryLink(rows[size_t(i)], i);
+    int index = 0;
+    for (const RepeaterRow &row : rows) {
+        if (row.address.isEmpty())
+            break;
+        tryLink(row, index++);
+    }
     if (rowsDone)
         rowsDone();
     // The restart ends the factory defaults: nothing of them was saved.

@@ -6,6 +6,7 @@
 #include "SessionRig.h"
 #include "SimulatedModemLink.h"
 
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
@@ -199,12 +200,18 @@ private slots:
             config->txtRepName[row]->setText(QLatin1String(name));
             config->txtRepAdd[row]->setText(QLatin1String(address));
         }
+        for (const bool kit : {true, false}) {
+            config->chkMaintenceKit->setChecked(kit);
+            QCOMPARE(config->lblBase->isVisibleTo(config) + config->txtBase->isVisibleTo(config), 2 * kit);
+        }
         config->cmdContinue->click();
         auto *test = diag.findChild<RepeaterTest *>();
         QVERIFY(matchesGolden(describeWindow(*test), QStringLiteral(VARNEL_GOLDEN "/RepeaterTest.txt")));
         DiagInfo *info = diag.showDiagInfo({});
-        connect(info->pbStatus, &QProgressBar::valueChanged, info, [info, done = false](int value) mutable {
-            if (value == 100 && !std::exchange(done, true))
+        QStringList bar;
+        connect(info->pbStatus, &QProgressBar::valueChanged, info, [&bar, info](int value) {
+            bar << QString::number(value);
+            if (bar.size() == 5)
                 info->cmdCancel->click();
         });
         test->cmdRun->click();
@@ -224,6 +231,7 @@ private slots:
                      QStringLiteral("\r\nRTN Repeater Testing\r\nTest Start=  T\r\nLink Status By Repeater "
                                     "Name and Address\r\nA - Add 5  = Link Up\r\nTest Canceled at User's "
                                     "Request\r\n - Add 9  = Link Down\r\nTest Stop=  T\r\n"));
+        QCOMPARE(bar.join(u' '), QStringLiteral("1 10 30 75 100 0 1 10 30 75 100"));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!diag.diagInfo() && !rig.prompts.busy());
     }

@@ -392,6 +392,11 @@ void Diagnostic::unloadTestForms()
 void Diagnostic::closeEvent(QCloseEvent *event)
 {
     Prompts &prompts = m_session.prompts();
+    if (SiteTestRunning) {
+        m_closeAfterTest = true;
+        event->ignore();
+        return;
+    }
     if (TestRunning) {
         if (prompts.MsgBox(
                 QStringLiteral("This Action Will Stop All Active Tests and Close Down The Diagnostics\r"

@@ -55,6 +55,8 @@ public:
     ModemSession &session() const { return m_session; }
 
     bool TestRunning = false;
+    // The repeater site test runs without TestRunning and to its end; a close waits for it.
+    bool SiteTestRunning = false;
     bool DiagClosing = false;
     bool RunRss = false, RunInterference = false, RunDq = false, RunPolling = false;
     ModemUnderTest UnderTest;

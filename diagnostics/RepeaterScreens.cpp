@@ -253,8 +253,11 @@ void RepeaterTest::cmdRun_Click()
         if (DiagInfo *info = diagnostic.diagInfo())
             info->close();
     };
+    diagnostic.SiteTestRunning = true;
     run.run(rows);
+    diagnostic.SiteTestRunning = false;
     diagnostic.showReport();
+    diagnostic.closeIfAsked();
 }
 
 void RepeaterTest::showLink(int row, bool up)

@@ -182,7 +182,8 @@ private slots:
     }
 
     // The set-up hands its rows to the test screen, whose labels the run reads and colours up to the
-    // first empty row; Cancel of the progress dialog midway leaves its line and the run goes on.
+    // first empty row; Cancel of the progress dialog midway leaves its line and the run goes on, and a
+    // close of the diagnostics waits for the end of the run.
     void screens()
     {
         Rig rig;
@@ -209,11 +210,15 @@ private slots:
         QVERIFY(matchesGolden(describeWindow(*test), QStringLiteral(VARNEL_GOLDEN "/RepeaterTest.txt")));
         DiagInfo *info = diag.showDiagInfo({});
         QStringList bar;
-        connect(info->pbStatus, &QProgressBar::valueChanged, info, [&bar, info](int value) {
+        connect(info->pbStatus, &QProgressBar::valueChanged, info, [&, info](int value) {
             bar << QString::number(value);
-            if (bar.size() == 5)
+            if (bar.size() == 5) {
                 info->cmdCancel->click();
+                diag.close();
+            }
         });
+        rig.prompts.expectAnswered(
+            QStringLiteral("Do You Wish To Save The Diagnostic Testing Information To A File?:No"));
         test->cmdRun->click();
         QStringList rows;
         for (size_t i = 0; i < kRepeaterRows; ++i)
@@ -233,7 +238,7 @@ private slots:
                                     "Request\r\n - Add 9  = Link Down\r\nTest Stop=  T\r\n"));
         QCOMPARE(bar.join(u' '), QStringLiteral("1 10 30 75 100 0 1 10 30 75 100"));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!diag.diagInfo() && !rig.prompts.busy());
+        QVERIFY(!diag.diagInfo() && !rig.prompts.busy() && rig.prompts.verify() && diag.DiagClosing);
     }
 };
 

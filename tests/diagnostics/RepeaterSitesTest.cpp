@@ -17,26 +17,24 @@
 namespace {
 // The unit at the cable (1) hears the sites 5 and 7 and the base station 99, which hears them too;
 // site 9 is out of reach of everyone.
+sim::Scenario network()
+{
+    sim::Scenario s = sim::Scenario::standard();
+    for (const char *address : {"5", "7", "9", "99"}) {
+        s.modems << sim::ModemProfile{};
+        s.modems.last().settings.insert(QStringLiteral("ADDRESS"), QLatin1String(address));
+    }
+    for (const auto &[a, b] : {std::pair{1, 5}, {1, 7}, {1, 99}, {99, 5}, {99, 7}})
+        s.links << sim::LinkProfile{a, b, 35.0, 0, 0, {}, 0};
+    return s;
+}
+
 struct Rig
 {
-    Rig()
-    {
-        for (const char *address : {"5", "7", "9", "99"}) {
-            sim::ModemProfile site;
-            site.settings.insert(QStringLiteral("ADDRESS"), QLatin1String(address));
-            s.modems << site;
-        }
-        for (const auto &[a, b] : {std::pair{1, 5}, {1, 7}, {1, 99}, {99, 5}, {99, 7}})
-            s.links << sim::LinkProfile{a, b, 35.0, 0, 0, {}, 0};
-        link = std::make_unique<sim::SimulatedModemLink>(s);
-        link->port().clearEvents();
-        session = std::make_unique<ModemSession>(link->port(), link->time(), prompts);
-    }
-    sim::Scenario s = sim::Scenario::standard();
-    std::unique_ptr<sim::SimulatedModemLink> link;
+    sim::SimulatedModemLink link{network()};
     ScriptedPrompts prompts{nullptr};
-    std::unique_ptr<ModemSession> session;
-    QString wire() const { return SessionRig::writes(link->port()).join(QStringLiteral(" | ")); }
+    ModemSession session{link.port(), link.time(), prompts};
+    QString wire() { return SessionRig::writes(link.port()).join(QStringLiteral(" | ")); }
 };
 
 RepeaterRows rowsOf(const char *cell)
@@ -58,13 +56,11 @@ const char *const kRuns[][6] = {
      "FA\\r | conn 5\\r | <03> | <03>Disc\\r | RESET\\r", "A - Add 5  = Link Up"},
     {"a site gone down", "A:7", "", "down", "FA\\r | conn 7\\r | <03> | RESET\\r", "A - Add 7  = Link Down"},
     {"through the base, empty rows too", "A:5 | B:5,7", "99", "",
-     "FA\\r | conn 99,5\\r | <03> | <03>Disc\\r | conn 99,5,7\\r | <03> | conn 99,\\r | <03> | <03>Disc\\r | "
-     "conn "
-     "99,\\r | <03> | <03>Disc\\r | conn 99,\\r | <03> | <03>Disc\\r | conn 99,\\r | <03> | <03>Disc\\r | "
-     "RESET\\r",
+     "FA\\r | conn 99,5\\r | <03> | <03>Disc\\r | conn 99,5,7\\r | <03> | conn 99,\\r | <03> | <03>Disc\\r "
+     "| conn 99,\\r | <03> | <03>Disc\\r | conn 99,\\r | <03> | <03>Disc\\r | conn 99,\\r | <03> | "
+     "<03>Disc\\r | RESET\\r",
      "A - Add 99,5  = Link Up | B - Add 99,5,7  = Link Down |  - Add 99,  = Link Up |  - Add 99,  = Link Up "
-     "|  - "
-     "Add 99,  = Link Up |  - Add 99,  = Link Up"},
+     "|  - Add 99,  = Link Up |  - Add 99,  = Link Up"},
     {"a silent modem", "A:5 | B:7", "", "silent", "FA\\r | conn 5\\r | <03> | conn 7\\r | <03> | RESET\\r",
      "A - Add 5  = Link Down | B - Add 7  = Link Down"},
 };
@@ -72,22 +68,21 @@ const char *const kRuns[][6] = {
 // What the user does on the set-up form, the boxes and dialogs in turn, the file written, the rows
 // on the form after and the setting.
 const char *const kSetups[][6] = {
-    {"save names the unnamed rows", "add0:5 | add2:7 | name2:C | save", "file:out.nvr",
+    {"save names the unnamed rows", "txtRepAdd_0:5 | txtRepAdd_2:7 | txtRepName_2:C | save", "file:out.nvr",
      "Repeater  1:5\r\n:\r\nC:7\r\n:\r\n:\r\n:\r\n\r\n", "Repeater  1:5 | : | C:7 | : | : | :", "saved"},
-    {"open closes the rows up", "open", "file:a.nvr", "", "X:5 | Y:7:8 | :9 | : | : | :", ""},
     {"load on a saved setting", "saved | load", "saved:Yes | file:a.nvr", "",
      "X:5 | Y:7:8 | :9 | : | : | :", "saved"},
     {"load declined", "saved | load", "saved:No", "", ": | : | : | : | : | :", "saved"},
     {"open cancelled", "open", "file: ", "", ": | : | : | : | : | :", ""},
     {"open of a missing file", "open", "file:missing.nvr | not found", "", ": | : | : | : | : | :", ""},
-    {"no address in row 1", "add1:5 | save", "need", "", ": | :5 | : | : | : | :", ""},
-    {"a colon in a name", "add0:5 | add1:6 | name2:a:b | save", "colon", "",
+    {"no address in row 1", "txtRepAdd_1:5 | save", "need", "", ": | :5 | : | : | : | :", ""},
+    {"a colon in a name", "txtRepAdd_0:5 | txtRepAdd_1:6 | txtRepName_2:a:b | save", "colon", "",
      "Repeater  1:5 | Repeater  2:6 | a:b: | : | : | :", ""},
-    {"save cancelled", "add0:5 | save", "file:", "", "Repeater  1:5 | : | : | : | : | :", ""},
+    {"save cancelled", "txtRepAdd_0:5 | save", "file:", "", "Repeater  1:5 | : | : | : | : | :", ""},
     {"continue without an address", "continue", "one", "", ": | : | : | : | : | :", ""},
-    {"continue offers the save", "add0:5 | continue", "not saved:Yes | file:out.nvr",
+    {"continue offers the save", "txtRepAdd_0:5 | continue", "not saved:Yes | file:out.nvr",
      "Repeater  1:5\r\n:\r\n:\r\n:\r\n:\r\n:\r\n\r\n", "test", "saved"},
-    {"continue, not saved", "add0:5 | continue", "not saved:No", "", "test", ""},
+    {"continue, not saved", "txtRepAdd_0:5 | continue", "not saved:No", "", "test", ""},
 };
 
 // The boxes of the set-up by key, with their icon and title.
@@ -99,8 +94,7 @@ const std::tuple<const char *, const char *, MsgIcon, const char *> kBoxes[] = {
      MsgIcon::None, "Configuration Saved"},
     {"not saved",
      "The configuration menu has not been saved. If you do not save the information, it will need to be "
-     "typed "
-     "in again for the next test.  Do you wish to save the configuration now?",
+     "typed in again for the next test.  Do you wish to save the configuration now?",
      MsgIcon::None, "Configuration Not Saved"},
     {"not found", "File not found.  Please enter a valid file name.", MsgIcon::None, ""},
 };
@@ -132,12 +126,12 @@ private slots:
         // Cancel is not looked at: the flag reads as cleared throughout, and every row is tried.
         TestHooks hooks{[] { return false; }, [&](const QString &line) { lines << line; }, [](auto) {},
                         [](auto) {}, [](double) {}};
-        rig.link->network().setLinkDown(1, 7, QLatin1String(fault) == u"down");
-        rig.link->local().setDead(QLatin1String(fault) == u"silent");
+        rig.link.network().setLinkDown(1, 7, QLatin1String(fault) == u"down");
+        rig.link.local().setDead(QLatin1String(fault) == u"silent");
         RepeaterRows tested = rowsOf(rows);
         for (size_t i = 0; *base && i < tested.size(); ++i)
             tested[i] = repeaterSites(rowsOf(rows), true, QLatin1String(base))[i].row;
-        RepeaterSiteRun(*rig.session, hooks).run(tested);
+        RepeaterSiteRun(rig.session, hooks).run(tested);
         QCOMPARE(rig.wire(), QLatin1String(wire));
         QCOMPARE(lines.mid(4, lines.size() - 5).join(QStringLiteral(" | ")), QLatin1String(block));
     }
@@ -150,7 +144,7 @@ private slots:
         QTemporaryDir dir;
         QVERIFY(
             writeBytes(dir.filePath(QStringLiteral("a.nvr")), "X:5\r\n:\r\nY:7:8\r\nnone\r\n\r\n:9\r\n:"));
-        Diagnostic diag(*rig.session);
+        Diagnostic diag(rig.session);
         bool saved = false;
         diag.repeaterSetup = [&] { return saved; };
         diag.setRepeaterSetup = [&](bool s) { saved = s; };
@@ -167,10 +161,7 @@ private slots:
             if (const auto act = acts.value(step))
                 act();
             else
-                (step.startsWith(u"add")
-                     ? config->txtRepAdd
-                     : config->txtRepName)[size_t(step.section(u':', 0, 0).right(1).toInt())]
-                    ->setText(step.section(u':', 1));
+                config->findChild<QLineEdit *>(step.section(u':', 0, 0))->setText(step.section(u':', 1));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(rig.prompts.verify());
         QCOMPARE(readBytes(dir.filePath(QStringLiteral("out.nvr"))), *file ? QByteArray(file) : kNoFile);
@@ -187,13 +178,11 @@ private slots:
     void screens()
     {
         Rig rig;
-        Diagnostic diag(*rig.session);
+        Diagnostic diag(rig.session);
         diag.repeaterSetup = [] { return true; };
         diag.UnderTest.SerialText = QStringLiteral("Q40U14210");
         diag.UnderTest.OperatingFrequency = QStringLiteral("460.125");
-        rig.prompts.expectAnswered(
-            QStringLiteral("A Repeater Configuration File Has Been Previously Saved.  Do You "
-                           "Wish To Load This File?:No"));
+        expect(rig.prompts, QStringLiteral("saved:No"), {});
         diag.mnuRTNRepTest->trigger();
         auto *config = diag.findChild<RepTestConfig *>();
         QVERIFY(matchesGolden(describeWindow(*config), QStringLiteral(VARNEL_GOLDEN "/RepTestConfig.txt")));

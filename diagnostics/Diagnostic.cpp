@@ -392,7 +392,7 @@ void Diagnostic::unloadTestForms()
 void Diagnostic::closeEvent(QCloseEvent *event)
 {
     Prompts &prompts = m_session.prompts();
-    if (SiteTestRunning) {
+    if (siteTestRunning) {
         m_closeAfterTest = true;
         event->ignore();
         return;

@@ -56,7 +56,7 @@ public:
 
     bool TestRunning = false;
     // The repeater site test runs without TestRunning and to its end; a close waits for it.
-    bool SiteTestRunning = false;
+    bool siteTestRunning = false;
     bool DiagClosing = false;
     bool RunRss = false, RunInterference = false, RunDq = false, RunPolling = false;
     ModemUnderTest UnderTest;

@@ -219,11 +219,9 @@ ViewDiag::ViewDiag(Prompts &prompts) : ReportWindow(prompts, "ViewDiag", QString
 
 void ViewDiag::openFile()
 {
-    FileDialogRequest request;
-    request.filter = fileDialogFilter(QStringLiteral("Diagnostic Files (*.rtf)|*.rtf"));
-    request.fileName = QStringLiteral(" ");
-    const QString name = m_prompts.FileDialog(request);
-    if (name.isEmpty() || name == request.fileName)
+    const QString name = askFileName(m_prompts, FileDialogRequest::Kind::Open,
+                                     QStringLiteral("Diagnostic Files (*.rtf)|*.rtf"), kBlankFileName);
+    if (name.isEmpty() || name == kBlankFileName)
         return;
     QFile file(name);
     if (!file.open(QIODevice::ReadOnly)) {

@@ -253,9 +253,9 @@ void RepeaterTest::cmdRun_Click()
         if (DiagInfo *info = diagnostic.diagInfo())
             info->close();
     };
-    diagnostic.SiteTestRunning = true;
+    diagnostic.siteTestRunning = true;
     run.run(rows);
-    diagnostic.SiteTestRunning = false;
+    diagnostic.siteTestRunning = false;
     diagnostic.showReport();
     diagnostic.closeIfAsked();
 }

@@ -70,6 +70,9 @@ const char *const kRuns[][6] = {
 const char *const kSetups[][6] = {
     {"save names the unnamed rows", "txtRepAdd_0:5 | txtRepAdd_2:7 | txtRepName_2:C | save", "file:out.nvr",
      "Repeater  1:5\r\n:\r\nC:7\r\n:\r\n:\r\n:\r\n\r\n", "Repeater  1:5 | : | C:7 | : | : | :", "saved"},
+    {"a save and a load close the rows up", "txtRepAdd_0:5 | txtRepAdd_2:7 | save | new | load",
+     "file:out.nvr | saved:Yes | file:out.nvr", "Repeater  1:5\r\n:\r\nRepeater  3:7\r\n:\r\n:\r\n:\r\n\r\n",
+     "Repeater  1:5 | Repeater  3:7 | : | : | : | :", "saved"},
     {"load on a saved setting", "saved | load", "saved:Yes | file:a.nvr", "",
      "X:5 | Y:7:8 | :9 | : | : | :", "saved"},
     {"load declined", "saved | load", "saved:No", "", ": | : | : | : | : | :", "saved"},
@@ -154,6 +157,7 @@ private slots:
         const QMap<QString, std::function<void()>> acts{
             {QStringLiteral("saved"), [&] { saved = true; }},
             {QStringLiteral("load"), [&] { config->Load(); }},
+            {QStringLiteral("new"), [&] { config = new RepTestConfig(diag); }},
             {QStringLiteral("open"), [&] { config->mnuOpen->trigger(); }},
             {QStringLiteral("save"), [&] { config->mnuSave->trigger(); }},
             {QStringLiteral("continue"), [&] { config->cmdContinue->click(); }}};

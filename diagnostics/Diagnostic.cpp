@@ -2,6 +2,7 @@
 
 #include "AppError.h"
 #include "BusyPointer.h"
+#include "DiagPlots.h"
 #include "DiagnosticForms.h"
 #include "InterferenceScreens.h"
 #include "ModemSession.h"
@@ -64,7 +65,7 @@ Diagnostic::Diagnostic(ModemSession &session, QWidget *parent)
 Diagnostic::~Diagnostic()
 {
     for (QWidget *form : std::initializer_list<QWidget *>{m_polling, m_interference, m_info, m_newAdd,
-                                                          m_setup, m_comments, m_view, m_testData})
+                                                          m_setup, m_comments, m_view, m_plots, m_testData})
         delete form;
 }
 
@@ -101,6 +102,11 @@ ViewDiag *Diagnostic::viewDiag() const
 Comments *Diagnostic::comments() const
 {
     return m_comments;
+}
+
+DiagPlots *Diagnostic::diagPlots() const
+{
+    return m_plots;
 }
 
 Interference *Diagnostic::interference() const
@@ -178,6 +184,7 @@ void Diagnostic::buildMenus()
     mnuView = namedEntry(file, "mnuView", QStringLiteral("&View Current Diagnostic File"));
     mnuSave = namedEntry(file, "mnuSave", QStringLiteral("&Save Current Diagnostic File"));
     mnuSavedFile = namedEntry(file, "mnuSavedFile", QStringLiteral("View &Previously Saved Diagnostic File"));
+    mnuPlots = namedEntry(file, "mnuPlots", QStringLiteral("Vie&w Test Plots"));
     mnuSaveAdds = namedEntry(file, "mnuSaveAdds", QStringLiteral("Save Test Address to File"));
     mnuExit = namedEntry(file, "mnuExit", QStringLiteral("&Exit Diagnostics"));
     QMenu *tests = namedMenu(menuBar(), "mnuTests", QStringLiteral("&Diagnostic Tests"));
@@ -190,6 +197,7 @@ void Diagnostic::buildMenus()
     connect(mnuView, &QAction::triggered, this, &Diagnostic::showReport);
     connect(mnuSave, &QAction::triggered, this, &Diagnostic::mnuSave_Click);
     connect(mnuSavedFile, &QAction::triggered, this, &Diagnostic::mnuSavedFile_Click);
+    connect(mnuPlots, &QAction::triggered, this, &Diagnostic::showPlots);
     connect(mnuSaveAdds, &QAction::triggered, this, &Diagnostic::mnuSaveAdds_Click);
     connect(mnuExit, &QAction::triggered, this, &QWidget::close);
     connect(mnuPolling, &QAction::triggered, this, &Diagnostic::mnuPolling_Click);
@@ -294,6 +302,24 @@ void Diagnostic::showReport()
     m_testData->raise();
 }
 
+void Diagnostic::showPlots()
+{
+    if (!m_plots) {
+        m_plots = new DiagPlots(m_session.prompts());
+        if (m_testData)
+            m_plots->move(m_testData->frameGeometry().topRight());
+    }
+    refreshPlots();
+    m_plots->showNormal();
+    m_plots->raise();
+}
+
+void Diagnostic::refreshPlots()
+{
+    if (m_plots)
+        m_plots->showRuns(signalSamples, qualitySamples, pollMarks);
+}
+
 void Diagnostic::cmdCancel_Click()
 {
     TestRunning = false;
@@ -384,7 +410,7 @@ void Diagnostic::mnuPolling_Click()
 void Diagnostic::unloadTestForms()
 {
     for (QWidget *form :
-         std::initializer_list<QWidget *>{m_polling, m_info, m_interference, m_newAdd, m_setup})
+         std::initializer_list<QWidget *>{m_polling, m_info, m_interference, m_newAdd, m_setup, m_plots})
         if (form)
             form->close();
 }

@@ -3,6 +3,7 @@
 #include "DiagnosticReport.h"
 #include "DiagnosticShell.h"
 #include "LinkMeasures.h"
+#include "PollingRun.h"
 #include "PortClaim.h"
 
 #include <QMainWindow>
@@ -12,6 +13,7 @@
 class Comments;
 class DiagInfo;
 class DiagNewAdd;
+class DiagPlots;
 class DiagSetup;
 class Interference;
 class ModemSession;
@@ -68,7 +70,7 @@ public:
     QPushButton *cmdRSS, *cmdInter, *cmdDQ, *cmdPolling;
     QLineEdit *txtPackSize;
     QPushButton *cmdStop;
-    QAction *mnuView, *mnuSave, *mnuSavedFile, *mnuSaveAdds, *mnuExit;
+    QAction *mnuView, *mnuSave, *mnuSavedFile, *mnuPlots, *mnuSaveAdds, *mnuExit;
     QAction *mnuAll, *mnuRSS, *mnuInterference, *mnuDQ, *mnuPolling, *mnuRTNRepTest;
 
     TestData *testData() const;
@@ -90,6 +92,12 @@ public:
     void showReport();
     // The samples of the last run of each test, one entry a measured address.
     QList<AddressSamples> signalSamples, qualitySamples;
+    // The polls of the last polling run, for its link timeline.
+    QList<PollMark> pollMarks;
+    // The plots of those runs beside the report; once open they follow each run.
+    void showPlots();
+    void refreshPlots();
+    DiagPlots *diagPlots() const;
 
     // Back to the main menu's hands: the report form has closed with the diagnostics.
     void unloadTestForms();
@@ -140,6 +148,7 @@ private:
     QPointer<ViewDiag> m_view;
     QPointer<Comments> m_comments;
     QPointer<Interference> m_interference;
+    QPointer<DiagPlots> m_plots;
     bool m_closeAfterTest = false;
     bool m_linkTestRunning = false;
 };

@@ -83,6 +83,7 @@ void Diagnostic::endLinkTest(QLabel *label)
     if (m_info)
         m_info->close();
     setTestStatus(label, TestStatus::Completed);
+    refreshPlots();
     TestRunning = false;
     m_linkTestRunning = false;
     showReport();

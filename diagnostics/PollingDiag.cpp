@@ -158,6 +158,8 @@ void PollingDiag::closeEvent(QCloseEvent *event)
     if (all)
         m_diagnostic.showComments();
     m_run->restoreModems();
+    m_diagnostic.pollMarks = m_run->marks;
+    m_diagnostic.refreshPlots();
     setTestStatus(m_diagnostic.lblPolling, TestStatus::Completed);
     m_diagnostic.TestRunning = false;
     m_diagnostic.showReport();

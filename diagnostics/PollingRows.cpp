@@ -4,7 +4,6 @@
 #include "TextRules.h"
 
 namespace {
-constexpr int kSecondsPerDay = 86400;
 
 // The time and date columns: each right-aligned in a field of the given width.
 QString stamp(int timeWidth, const QString &time, const QString &date)

@@ -21,6 +21,9 @@ QString retries(int number, const QString &address, const QString &retries, cons
                 const QString &date);
 } // namespace PollingRows
 
+// The clock, seconds since midnight, starts again after this many.
+inline constexpr int kSecondsPerDay = 86400;
+
 // What the test knows of one address's link, and its totals.
 struct LinkRecord
 {

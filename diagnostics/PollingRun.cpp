@@ -277,6 +277,7 @@ void PollingRun::linkDownActions(LinkRecord &link, const QString &row)
 void PollingRun::showState(int index, const QString &row, const LinkRecord &link)
 {
     setProgress(100);
+    marks.append({m_session.time().Timer(), index, row, link.LinkUp});
     if (!link.LinkUp) {
         send("TXS\r");
         bool ok = false;

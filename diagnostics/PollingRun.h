@@ -9,6 +9,16 @@
 
 class ModemSession;
 
+// What one poll found: the clock (seconds since midnight) when it ended, the row of the list it
+// polled, and whether the link was up then.
+struct PollMark
+{
+    double clock = 0;
+    int index = 0;
+    QString row;
+    bool up = true;
+};
+
 // The polling diagnostic without its screen: the connected modem polls each test address in turn,
 // for as long as the user lets it run, and the run keeps the list rows, the report text and the
 // totals of every address. The screen follows it through the hooks and sets the stop flags.
@@ -42,6 +52,7 @@ public:
     QString SavedNetwork, SavedFrack;
     std::vector<LinkRecord> links;
     QStringList rows; // the list lstPolling
+    QList<PollMark> marks;
 
     // What the screen shows.
     std::function<void(const QString &row)> rowAdded;

@@ -3,7 +3,7 @@
 set -euo pipefail
 packages=(
   g++ cmake ninja-build pkg-config clang-format
-  qt6-base-dev qt6-serialport-dev qt6-svg-dev qt6-charts-dev libvterm-dev
+  qt6-base-dev qt6-serialport-dev qt6-svg-dev qt6-charts-dev libqt6opengl6-dev libvterm-dev
   xvfb xauth socat fonts-dejavu-core poppler-utils libreoffice-writer-nogui
   dpkg-dev desktop-file-utils appstream man-db
 )

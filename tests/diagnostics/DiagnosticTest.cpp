@@ -1,5 +1,6 @@
 #include "Diagnostic.h"
 #include "AppError.h"
+#include "DiagPlots.h"
 #include "DiagnosticForms.h"
 #include "Golden.h"
 #include "InterferenceScreens.h"
@@ -9,6 +10,7 @@
 #include "SimulatedModemLink.h"
 
 #include <QApplication>
+#include <QChartView>
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -393,6 +395,7 @@ private slots:
         if (*cancelAt)
             rig.link->time().after(QByteArray(cancelAt).toInt(),
                                    [&] { diag.diagInfo()->cmdCancel->click(); });
+        diag.mnuPlots->trigger();
         const QString prefix = diag.report().text();
         if (auto *action = diag.findChild<QAction *>(QLatin1String(start)))
             action->trigger();
@@ -404,6 +407,10 @@ private slots:
                  QLatin1String(labels));
         QVERIFY(!diag.TestRunning && !(diag.diagInfo() && diag.diagInfo()->isVisible()) &&
                 !rig.prompts.busy());
+        // The plots opened before the run follow it: a line per measured address and per polled row.
+        QCOMPARE(diag.pollMarks.isEmpty(), !QByteArray(report).contains("polling"));
+        QCOMPARE(diag.diagPlots()->chtQuality->chart()->series().size(), diag.qualitySamples.size());
+        QCOMPARE(diag.diagPlots()->chtLinks->chart()->series().size(), linkTimeline(diag.pollMarks).size());
         // Busy: a second start only beeps.
         const int beeps = rig.prompts.beeps();
         diag.TestRunning = true;

@@ -2,6 +2,7 @@
 #include "MemoryCommControl.h"
 #include "ModemParams.h"
 #include "ModemSession.h"
+#include "PlotModel.h"
 #include "ScriptedPrompts.h"
 #include "SessionRig.h"
 #include "SimulatedModemLink.h"
@@ -301,11 +302,18 @@ private slots:
         const QStringList ups = run.rows.filter(QRegularExpression(QStringLiteral("^ +\\d+ +13 +Link Up")));
         QCOMPARE(ups.size(), 3);
         QCOMPARE(outages.size(), 4);
+        // So is each stretch of its link timeline at 0, to within the ends of the polls that found it.
+        QList<double> down;
+        for (const QPointF &point : linkTimeline(run.marks).value(1).points)
+            if (point.y() == 0)
+                down << point.x() * 1000;
+        QCOMPARE(down.size(), 8);
         qint64 reported = 0;
         for (int i = 0; i < 4; ++i) {
             const qint64 seconds =
                 i < 3 ? clockSeconds(ups[i]) : clockSeconds(run.links[1].DownText) - reported;
             reported += seconds;
+            QVERIFY(std::abs(down[2 * i + 1] - down[2 * i] - (outages[i] - 2000)) <= 1000);
             QVERIFY2(std::abs(seconds * 1000 - (outages[i] - 2000)) <= 1000,
                      qPrintable(QStringLiteral("outage %1: %2 s reported, %3 ms on the air")
                                     .arg(i)

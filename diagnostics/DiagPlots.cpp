@@ -1,0 +1,92 @@
+#include "DiagPlots.h"
+
+#include "AppError.h"
+#include "Named.h"
+#include "Prompts.h"
+#include "WholeFile.h"
+
+#include <QBuffer>
+#include <QChartView>
+#include <QLineSeries>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QVBoxLayout>
+#include <QValueAxis>
+
+namespace {
+struct PlotLook
+{
+    const char *name, *tab, *xTitle, *yTitle;
+    // Up and down sit half a step inside the chart, clear of its edges.
+    bool levels = false;
+};
+
+void draw(QChartView *view, const QList<PlotSeries> &lines, const PlotLook &look)
+{
+    QChart *chart = view->chart();
+    chart->removeAllSeries();
+    for (const PlotSeries &line : lines) {
+        auto *series = new QLineSeries(chart);
+        series->setName(line.name);
+        series->append(line.points);
+        chart->addSeries(series);
+    }
+    // The axes follow the figures of the run; a run without figures leaves an empty chart.
+    chart->createDefaultAxes();
+    for (QAbstractAxis *axis : chart->axes(Qt::Horizontal))
+        axis->setTitleText(QLatin1String(look.xTitle));
+    for (QAbstractAxis *axis : chart->axes(Qt::Vertical)) {
+        axis->setTitleText(QLatin1String(look.yTitle));
+        if (auto *values = qobject_cast<QValueAxis *>(axis); values && look.levels) {
+            values->setRange(-0.5, 1.5);
+            values->setTickCount(5);
+        }
+    }
+}
+
+const PlotLook kSignalLook{"chtSignal", "Signal Strength", "Sample", "Meter Reading"};
+const PlotLook kQualityLook{"chtQuality", "Data Quality", "Sample", "Data Quality"};
+const PlotLook kLinksLook{"chtLinks", "Link Timeline", "Seconds", "Link Up (1) / Down (0)", true};
+} // namespace
+
+DiagPlots::DiagPlots(Prompts &prompts, QWidget *parent) : QWidget(parent, Qt::Window), m_prompts(prompts)
+{
+    setObjectName(QStringLiteral("DiagPlots"));
+    setWindowTitle(QStringLiteral("Test Plots"));
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(tabPlots = named<QTabWidget>("tabPlots"));
+    for (auto [view, look] :
+         {std::pair{&chtSignal, &kSignalLook}, {&chtQuality, &kQualityLook}, {&chtLinks, &kLinksLook}}) {
+        *view = named<QChartView>(look->name);
+        (*view)->setRenderHint(QPainter::Antialiasing);
+        (*view)->chart()->setTitle(QLatin1String(look->tab));
+        tabPlots->addTab(*view, QLatin1String(look->tab));
+    }
+    layout->addWidget(cmdSavePng = named<QPushButton>("cmdSavePng", QStringLiteral("Save as PNG")));
+    connect(cmdSavePng, &QPushButton::clicked, this, &DiagPlots::cmdSavePng_Click);
+    resize(720, 480);
+}
+
+void DiagPlots::showRuns(const QList<AddressSamples> &signal, const QList<AddressSamples> &quality,
+                         const QList<PollMark> &polls)
+{
+    draw(chtSignal, sampleSeries(signal), kSignalLook);
+    draw(chtQuality, sampleSeries(quality), kQualityLook);
+    draw(chtLinks, linkTimeline(polls), kLinksLook);
+}
+
+void DiagPlots::cmdSavePng_Click()
+{
+    FileDialogRequest request;
+    request.kind = FileDialogRequest::Kind::Save;
+    request.title = QStringLiteral("Save as PNG");
+    request.filter = QStringLiteral("PNG Images (*.png)");
+    const QString name = m_prompts.FileDialog(request);
+    if (name.isEmpty())
+        return;
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    tabPlots->currentWidget()->grab().save(&buffer, "PNG");
+    attempt(m_prompts, [&] { saveWholeFile(name, png); });
+}

@@ -1,5 +1,7 @@
 #include "PlotModel.h"
 
+#include <QMap>
+
 QString plotName(const QString &row)
 {
     return QStringLiteral("Address ") + row;
@@ -19,7 +21,7 @@ QList<PlotSeries> sampleSeries(const QList<AddressSamples> &samples)
 
 QList<PlotSeries> linkTimeline(const QList<PollMark> &marks)
 {
-    QList<PlotSeries> lines;
+    QMap<int, PlotSeries> rows;
     const double first = marks.isEmpty() ? 0 : marks.first().clock;
     double days = 0, previous = first, elapsed = 0;
     for (const PollMark &mark : marks) {
@@ -27,9 +29,7 @@ QList<PlotSeries> linkTimeline(const QList<PollMark> &marks)
             days += kSecondsPerDay;
         previous = mark.clock;
         elapsed = mark.clock + days - first;
-        if (lines.size() <= mark.index)
-            lines.resize(mark.index + 1);
-        PlotSeries &line = lines[mark.index];
+        PlotSeries &line = rows[mark.index];
         line.name = plotName(mark.row);
         const double level = mark.up ? 1 : 0;
         if (line.points.isEmpty()) {
@@ -39,8 +39,7 @@ QList<PlotSeries> linkTimeline(const QList<PollMark> &marks)
             line.points.append({elapsed, level});
         }
     }
-    // A row the run never reached has nothing to draw.
-    lines.removeIf([](const PlotSeries &line) { return line.points.isEmpty(); });
+    QList<PlotSeries> lines = rows.values();
     for (PlotSeries &line : lines)
         if (line.points.last().x() < elapsed)
             line.points.append({elapsed, line.points.last().y()});

@@ -23,9 +23,8 @@ QStringList shown(const QList<PlotSeries> &lines)
 // A run's samples as "row value value", or its polls as "clock index row up|down"; the lines they give.
 const char *const kSeries[][4] = {
     {"empty run", "samples", "", ""},
-    {"13 failed to connect and gave none", "samples", "12 31 35.5 33 | 14 9",
-     "Address 12: 1,31 2,35.5 3,33 | Address 14: 1,9"},
-    {"a silent meter", "samples", "12", "Address 12:"},
+    {"13 failed to connect and gave none, 15 silent", "samples", "12 31 35.5 33 | 14 9 | 15",
+     "Address 12: 1,31 2,35.5 3,33 | Address 14: 1,9 | Address 15:"},
     {"an outage, drawn to the last poll", "polls",
      "100 0 12 up | 104 0 12 down | 110 0 12 down | 115 0 12 up | 120 0 12 up",
      "Address 12: 0,1 4,1 4,0 15,0 15,1 20,1"},

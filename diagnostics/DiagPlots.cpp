@@ -7,6 +7,7 @@
 
 #include <QBuffer>
 #include <QChartView>
+#include <QFileInfo>
 #include <QLineSeries>
 #include <QPushButton>
 #include <QTabWidget>
@@ -14,6 +15,8 @@
 #include <QValueAxis>
 
 namespace {
+constexpr double kLaneStep = 0.04;
+
 struct PlotLook
 {
     const char *name, *tab, *xTitle, *yTitle;
@@ -25,10 +28,12 @@ void draw(QChartView *view, const QList<PlotSeries> &lines, const PlotLook &look
 {
     QChart *chart = view->chart();
     chart->removeAllSeries();
-    for (const PlotSeries &line : lines) {
+    for (qsizetype lane = 0; lane < lines.size(); ++lane) {
         auto *series = new QLineSeries(chart);
-        series->setName(line.name);
-        series->append(line.points);
+        series->setName(lines[lane].name);
+        // Links that are up or down together would hide each other: each address keeps a thin lane.
+        for (const QPointF &point : lines[lane].points)
+            series->append(point.x(), point.y() + (look.levels ? double(lane) * kLaneStep : 0));
         chart->addSeries(series);
     }
     // The axes follow the figures of the run; a run without figures leaves an empty chart.
@@ -81,9 +86,11 @@ void DiagPlots::cmdSavePng_Click()
     request.kind = FileDialogRequest::Kind::Save;
     request.title = QStringLiteral("Save as PNG");
     request.filter = QStringLiteral("PNG Images (*.png)");
-    const QString name = m_prompts.FileDialog(request);
+    QString name = m_prompts.FileDialog(request);
     if (name.isEmpty())
         return;
+    if (QFileInfo(name).suffix().isEmpty())
+        name += QStringLiteral(".png");
     QByteArray png;
     QBuffer buffer(&png);
     buffer.open(QIODevice::WriteOnly);

@@ -60,7 +60,8 @@ private slots:
         QCOMPARE(shown(polls ? linkTimeline(marks) : sampleSeries(run)), items(lines));
     }
 
-    // The plot in front is saved as a PNG of its size; a cancel or a missing folder writes nothing.
+    // The plot in front is saved as a PNG of its size, named so when the user gave no extension; a
+    // cancel or a missing folder writes nothing.
     void windowAndPng()
     {
         ScriptedPrompts prompts;
@@ -71,7 +72,7 @@ private slots:
         prompts.expectFileDialog(std::nullopt, QStringLiteral("Save as PNG"));
         prompts.expectFileDialog(dir.filePath(QStringLiteral("none/plot.png")));
         prompts.expectMsgBox(appErrorText({AppErrors::PathNotFound, QStringLiteral("Path not found")}));
-        prompts.expectFileDialog(dir.filePath(QStringLiteral("plot.png")));
+        prompts.expectFileDialog(dir.filePath(QStringLiteral("plot")));
         for (int i = 0; i < 3; ++i)
             plots.cmdSavePng->click();
         QVERIFY(prompts.verify());

@@ -38,13 +38,19 @@ void draw(QChartView *view, const QList<PlotSeries> &lines, const PlotLook &look
     }
     // The axes follow the figures of the run; a run without figures leaves an empty chart.
     chart->createDefaultAxes();
-    for (QAbstractAxis *axis : chart->axes(Qt::Horizontal))
-        axis->setTitleText(QLatin1String(look.xTitle));
-    for (QAbstractAxis *axis : chart->axes(Qt::Vertical)) {
-        axis->setTitleText(QLatin1String(look.yTitle));
-        if (auto *values = qobject_cast<QValueAxis *>(axis); values && look.levels) {
+    // Samples, seconds and readings are whole numbers: the ticks fall on round ones.
+    for (QAbstractAxis *axis : chart->axes()) {
+        const bool across = axis->orientation() == Qt::Horizontal;
+        axis->setTitleText(QLatin1String(across ? look.xTitle : look.yTitle));
+        auto *values = qobject_cast<QValueAxis *>(axis);
+        if (!values)
+            continue;
+        if (look.levels && !across) {
             values->setRange(-0.5, 1.5);
             values->setTickCount(5);
+        } else {
+            values->applyNiceNumbers();
+            values->setLabelFormat(QStringLiteral("%d"));
         }
     }
 }

@@ -58,6 +58,8 @@ void draw(QChartView *view, const QList<PlotSeries> &lines, const PlotLook &look
 const PlotLook kSignalLook{"chtSignal", "Signal Strength", "Sample", "Meter Reading"};
 const PlotLook kQualityLook{"chtQuality", "Data Quality", "Sample", "Data Quality"};
 const PlotLook kLinksLook{"chtLinks", "Link Timeline", "Seconds", "Link Up (1) / Down (0)", true};
+// The tabs in their order.
+const std::array<const PlotLook *, 3> kLooks{&kSignalLook, &kQualityLook, &kLinksLook};
 } // namespace
 
 DiagPlots::DiagPlots(Prompts &prompts, QWidget *parent) : QWidget(parent, Qt::Window), m_prompts(prompts)
@@ -66,13 +68,15 @@ DiagPlots::DiagPlots(Prompts &prompts, QWidget *parent) : QWidget(parent, Qt::Wi
     setWindowTitle(QStringLiteral("Test Plots"));
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(tabPlots = named<QTabWidget>("tabPlots"));
-    for (auto [view, look] :
-         {std::pair{&chtSignal, &kSignalLook}, {&chtQuality, &kQualityLook}, {&chtLinks, &kLinksLook}}) {
-        *view = named<QChartView>(look->name);
-        (*view)->setRenderHint(QPainter::Antialiasing);
-        (*view)->chart()->setTitle(QLatin1String(look->tab));
-        tabPlots->addTab(*view, QLatin1String(look->tab));
+    for (const PlotLook *look : kLooks) {
+        auto *view = named<QChartView>(look->name);
+        view->setRenderHint(QPainter::Antialiasing);
+        view->chart()->setTitle(QLatin1String(look->tab));
+        tabPlots->addTab(view, QLatin1String(look->tab));
     }
+    chtSignal = qobject_cast<QChartView *>(tabPlots->widget(0));
+    chtQuality = qobject_cast<QChartView *>(tabPlots->widget(1));
+    chtLinks = qobject_cast<QChartView *>(tabPlots->widget(2));
     layout->addWidget(cmdSavePng = named<QPushButton>("cmdSavePng", QStringLiteral("Save as PNG")));
     connect(cmdSavePng, &QPushButton::clicked, this, &DiagPlots::cmdSavePng_Click);
     resize(720, 480);
@@ -81,9 +85,15 @@ DiagPlots::DiagPlots(Prompts &prompts, QWidget *parent) : QWidget(parent, Qt::Wi
 void DiagPlots::showRuns(const QList<AddressSamples> &signal, const QList<AddressSamples> &quality,
                          const QList<PollMark> &polls)
 {
-    draw(chtSignal, sampleSeries(signal), kSignalLook);
-    draw(chtQuality, sampleSeries(quality), kQualityLook);
-    draw(chtLinks, linkTimeline(polls), kLinksLook);
+    const std::array<QList<PlotSeries>, 3> lines{sampleSeries(signal), sampleSeries(quality),
+                                                 linkTimeline(polls)};
+    for (int tab = 0; tab < 3; ++tab) {
+        const QList<PlotSeries> &drawn = lines[size_t(tab)];
+        draw(qobject_cast<QChartView *>(tabPlots->widget(tab)), drawn, *kLooks[size_t(tab)]);
+        if (drawn != m_drawn[size_t(tab)] && !drawn.isEmpty())
+            tabPlots->setCurrentIndex(tab);
+    }
+    m_drawn = lines;
 }
 
 void DiagPlots::cmdSavePng_Click()

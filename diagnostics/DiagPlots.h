@@ -3,6 +3,7 @@
 #include "PlotModel.h"
 
 #include <QWidget>
+#include <array>
 
 class Prompts;
 class QChartView;
@@ -18,6 +19,7 @@ class DiagPlots : public QWidget
 public:
     explicit DiagPlots(Prompts &prompts, QWidget *parent = nullptr);
 
+    // Draws the three plots; the one a new run has changed comes to the front.
     void showRuns(const QList<AddressSamples> &signal, const QList<AddressSamples> &quality,
                   const QList<PollMark> &polls);
     // Asks for a file and writes the plot in front to it as a PNG image; a cancelled dialog writes
@@ -30,4 +32,5 @@ public:
 
 private:
     Prompts &m_prompts;
+    std::array<QList<PlotSeries>, 3> m_drawn;
 };

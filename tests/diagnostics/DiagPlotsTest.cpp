@@ -5,6 +5,7 @@
 #include <QChartView>
 #include <QImage>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTemporaryDir>
 
 namespace {
@@ -67,6 +68,20 @@ private slots:
         ScriptedPrompts prompts;
         DiagPlots plots(prompts);
         QVERIFY(matchesGolden(describeWindow(plots), QStringLiteral(VARNEL_GOLDEN "/DiagPlots.txt")));
+        // The plot of the newest run is in front; drawing the same runs again leaves the choice alone.
+        const QList<AddressSamples> one{{QStringLiteral("7"), {40}}};
+        const QList<PollMark> poll{{10, 0, QStringLiteral("7"), true}};
+        QString fronts;
+        for (const auto &[signal, quality, polls] : {std::tuple{one, one, poll},
+                                                     {one, one, poll},
+                                                     {{}, {}, {}},
+                                                     {one, {}, {}},
+                                                     {one, one, {}},
+                                                     {{}, one, poll}}) {
+            plots.showRuns(signal, quality, polls);
+            fronts += QString::number(plots.tabPlots->currentIndex());
+        }
+        QCOMPARE(fronts, QStringLiteral("222012"));
         plots.show();
         QTemporaryDir dir;
         prompts.expectFileDialog(std::nullopt, QStringLiteral("Save as PNG"));
@@ -79,7 +94,7 @@ private slots:
         QCOMPARE(QDir(dir.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
                  QStringList{QStringLiteral("plot.png")});
         QCOMPARE(QImage(dir.filePath(QStringLiteral("plot.png")), "PNG").size(),
-                 plots.chtSignal->size() * plots.chtSignal->devicePixelRatio());
+                 plots.tabPlots->currentWidget()->size() * plots.devicePixelRatio());
     }
 };
 

@@ -4,7 +4,8 @@
 // wall time, the CPU seconds per MB and peak memory of this process (the writer's own time is not
 // counted), the worst delay the event loop saw meanwhile, and the CPU share while a writer paces
 // the same lines one at a time at 115200 baud. With --paced only the paced measurements run, with
-// --flood only the flood.
+// --flood only the flood. A number after --paced makes the paced runs that many seconds long (5 by
+// default): a few paints a second make short runs noisy.
 
 #include "IniFile.h"
 #include "ModemSession.h"
@@ -38,7 +39,7 @@ namespace {
 constexpr qint64 kStreamBytes = 10 * 1024 * 1024;
 // What the flood's writer hands the pseudo-terminal in one write.
 constexpr qsizetype kFloodPiece = 4096;
-constexpr int kPacedSeconds = 5;
+constexpr int kDefaultPacedSeconds = 5;
 constexpr int kBaud = 115200;
 constexpr int kBitsPerByte = 10; // start, eight data bits, stop
 
@@ -265,8 +266,13 @@ int main(int argc, char *argv[])
                 static_cast<long long>(data.size()), static_cast<long long>(lines),
                 static_cast<long long>(streamLine(1).size()), screen.ScrollRows());
 
-    const bool pacedOnly = app.arguments().contains(QStringLiteral("--paced"));
-    const bool floodOnly = app.arguments().contains(QStringLiteral("--flood"));
+    const QStringList arguments = app.arguments();
+    const qsizetype pacedAt = arguments.indexOf(QStringLiteral("--paced"));
+    const bool pacedOnly = pacedAt >= 0;
+    const int pacedSeconds = pacedAt >= 0 && pacedAt + 1 < arguments.size() && arguments[pacedAt + 1].toInt() > 0
+                                 ? arguments[pacedAt + 1].toInt()
+                                 : kDefaultPacedSeconds;
+    const bool floodOnly = arguments.contains(QStringLiteral("--flood"));
     for (int run = 1; run <= (pacedOnly ? 0 : 3); ++run) {
         received = 0;
         target = data.size();
@@ -314,7 +320,7 @@ int main(int argc, char *argv[])
 
     // The paced runs: a modem talking at full line speed for a few seconds, first to the serial
     // control alone (what reading the port costs whatever shows it), then to the terminal window.
-    const qint64 pacedBytes = qint64(kBaud) / kBitsPerByte * kPacedSeconds;
+    const qint64 pacedBytes = qint64(kBaud) / kBitsPerByte * pacedSeconds;
     qint64 pacedLines = 0;
     const QByteArray paced = stream(pacedBytes, pacedLines);
     for (const bool shown : {false, true}) {

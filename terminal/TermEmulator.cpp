@@ -9,6 +9,8 @@ namespace {
 
 constexpr char kCr = '\r';
 constexpr char kLf = '\n';
+// The tab stops of a screen whose emulation has not been told otherwise.
+constexpr int kTabWidth = 8;
 
 // Bytes after which the emulation's state is still the power-on state apart from the screen's
 // text and the cursor: printable ASCII and the harmless controls. In the TTY emulation the bytes
@@ -287,9 +289,81 @@ void TermEmulator::feedVterm(const char *bytes, qsizetype length)
         m_plainHistory =
             std::all_of(data, data + length, [highIsPlain](uchar b) { return isPlainByte(b, highIsPlain); });
     }
-    vterm_input_write(m_vt, bytes, size_t(length));
-    vterm_screen_flush_damage(m_screen);
     m_interpreted += length;
+    const char *const end = bytes + length;
+    while (bytes < end) {
+        const qsizetype run = m_plainHistory ? feedScrolledRun(bytes, end - bytes) : 0;
+        bytes += run;
+        if (run > 0)
+            continue;
+        // A run can start again after the next line feed.
+        const auto *feed = m_plainHistory
+                               ? static_cast<const char *>(std::memchr(bytes, kLf, size_t(end - bytes)))
+                               : nullptr;
+        const char *next = feed ? feed + 1 : end;
+        vterm_input_write(m_vt, bytes, size_t(next - bytes));
+        bytes = next;
+    }
+    vterm_screen_flush_damage(m_screen);
+}
+
+qsizetype TermEmulator::feedScrolledRun(const char *bytes, qsizetype length)
+{
+    VTermPos pos;
+    vterm_state_get_cursorpos(vterm_obtain_state(m_vt), &pos);
+    // In the last column the cursor may be waiting to wrap, which libvterm does not tell.
+    if (pos.row != m_rows - 1 || pos.col >= m_columns - 1)
+        return 0;
+    // Every row pushed up must be one from before the run: it is pushed before the run is written.
+    const int most = m_rows - 1;
+    int column = pos.col;
+    bool waitingToWrap = false;
+    int lines = 0;
+    qsizetype taken = 0;
+    for (; taken < length; ++taken) {
+        const auto byte = uchar(bytes[taken]);
+        if (byte >= 0x20 && byte < 0x7F) {
+            if (waitingToWrap) {
+                if (lines == most)
+                    break;
+                ++lines;
+                column = 0;
+                waitingToWrap = false;
+            }
+            if (column == m_columns - 1)
+                waitingToWrap = true;
+            else
+                ++column;
+        } else if (byte == kLf) {
+            // A line feed that scrolls leaves the cursor waiting to wrap, one that moves it does not.
+            if (waitingToWrap || lines == most)
+                break;
+            ++lines;
+        } else if (byte == kCr) {
+            column = 0;
+            waitingToWrap = false;
+        } else if (byte == '\b') {
+            if (column > 0) {
+                --column;
+                waitingToWrap = false;
+            }
+        } else if (byte == '\t') {
+            if (column < m_columns - 1) {
+                column = std::min((column / kTabWidth + 1) * kTabWidth, m_columns - 1);
+                waitingToWrap = false;
+            }
+        } else if (byte != '\a') {
+            break;
+        }
+    }
+    // A single scroll costs the same either way.
+    if (lines < 2)
+        return 0;
+    const QByteArray scroll =
+        "\x1b[" + QByteArray::number(lines) + "S\x1b[" + QByteArray::number(lines) + 'A';
+    vterm_input_write(m_vt, scroll.constData(), size_t(scroll.size()));
+    vterm_input_write(m_vt, bytes, size_t(taken));
+    return taken;
 }
 
 void TermEmulator::pushLine(int columns, const void *cells)

@@ -125,6 +125,10 @@ private:
     struct Callbacks;
     void create();
     void feedVterm(const char *bytes, qsizetype length);
+    // Feeds a run of plain text that starts with the cursor on the bottom row as one scroll by the
+    // rows it will push up, the cursor moved up as far, then the run itself: libvterm then moves the
+    // screen's rows once instead of once per line. Returns how many bytes it took (0: none).
+    qsizetype feedScrolledRun(const char *bytes, qsizetype length);
     void pushLine(int columns, const void *cells);
     // Line feeds that must follow a cut in the queue (see forgetUnseen).
     qsizetype feedsToKeep() const;

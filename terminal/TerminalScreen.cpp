@@ -23,6 +23,9 @@ constexpr auto kRepaintGap = 100ms;
 // A screen that scrolls is repainted at this slower pace, so that a modem talking at full speed
 // costs a few repaints a second rather than one per line, and the lines it shows can be taken in.
 constexpr auto kScrollingRepaintGap = 200ms;
+// A piece of a stream may come this much before the gap is over and still be shown at once: the
+// port's gathering and the repaint ticks drift against each other by a few milliseconds.
+constexpr auto kStreamSlack = 50ms;
 // What one turn of the event loop interprets at most when the shortcut for plain text cannot help,
 // so that a flood of escape sequences never holds the window still.
 constexpr qsizetype kSliceBytes = 256 * 1024;
@@ -156,6 +159,12 @@ void TerminalScreen::scheduleRepaint()
         return;
     const auto sinceLast = std::chrono::milliseconds(m_clock.elapsed()) - m_lastProcess;
     const auto gap = m_lastProcessScrolled ? kScrollingRepaintGap : kRepaintGap;
+    // Within a stream the port hands over what it gathered meanwhile, so a piece that comes when
+    // the gap is about over is shown at once rather than on a tick of its own a moment later.
+    if (sinceLast >= gap - kStreamSlack && sinceLast < 2 * gap) {
+        process(kSliceBytes);
+        return;
+    }
     m_repaint.start(std::max<std::chrono::milliseconds>(kRepaintDelay, gap - sinceLast));
 }
 

@@ -122,59 +122,88 @@ private slots:
         QCOMPARE(emu.rowText(-1), QStringLiteral("line 27"));
     }
 
+    // Bytes fed one at a time reach libvterm as they came; in bulk they take the shortcuts for plain
+    // text (passing over what cannot be seen, scrolling many lines at once), which must not show.
     void fastStreamMatchesByteByByte_data()
     {
         QTest::addColumn<QByteArray>("before");
         QTest::addColumn<QByteArray>("stream");
+        QTest::addColumn<bool>("tty");
 
         QByteArray longLines;
-        for (int i = 0; i < 900; ++i)
-            longLines += QByteArray(i % 130, char('a' + i % 26)) + "\r\n";
         QByteArray tabs;
-        for (int i = 0; i < 900; ++i)
-            tabs += "a\tb\bc " + QByteArray::number(i) + "\r\n";
         QByteArray crOnly;
-        for (int i = 0; i < 900; ++i)
+        QByteArray fullRows;
+        QByteArray latin1;
+        // A full row leaves the cursor waiting to wrap: a line feed keeps it waiting, a backspace or
+        // a return ends the wait, a tab does not move it.
+        const char *const afterFullRow[] = {"\n\r\a", "\r\n", "\bX\r\n", "\rY\r\n", "\tZ\r\n", "\t\nW\r\n"};
+        const QByteArray accented[] = {"plain\r\n", "caf\xe9\r\n", QByteArray(81, '\xe9') + "\r\n",
+                                       QByteArray(80, '\xe9') + "\nW\r\n"};
+        const QByteArray tabbed[] = {"\r\n", "\t\t\t\t\t\t\t\t\t\t\tab\r\n",
+                                     "\r\nx\t" + QByteArray(72, 'y') + "\r\n"};
+        for (int i = 0; i < 900; ++i) {
+            longLines += QByteArray(i % 130, char('a' + i % 26)) + "\r\n";
+            tabs += "a\tb\bc " + QByteArray::number(i) + tabbed[i % 3];
             crOnly += "progress " + QByteArray::number(i) + "\r" + (i % 10 == 9 ? "\n" : "");
+            fullRows += QByteArray(80, char('A' + i % 26)) + afterFullRow[i % 6];
+            latin1 += "line " + QByteArray::number(i) + "\r\n" + accented[i % 4];
+        }
 
-        QTest::newRow("modem lines") << QByteArray() << numberedLines(1, 2000);
-        QTest::newRow("after text") << QByteArray("CMD:abc") << numberedLines(1, 2000);
-        QTest::newRow("wrapping lines") << QByteArray("x") << longLines;
-        QTest::newRow("tabs and backspaces") << QByteArray("\r\n\r\n") << tabs;
-        QTest::newRow("line feeds only") << QByteArray("start") << numberedLines(1, 2000, "\n");
-        QTest::newRow("carriage returns") << QByteArray() << crOnly;
+        QTest::newRow("modem lines") << QByteArray() << numberedLines(1, 2000) << false;
+        QTest::newRow("after text") << QByteArray("CMD:abc") << numberedLines(1, 2000) << false;
+        QTest::newRow("wrapping lines") << QByteArray("x") << longLines << false;
+        QTest::newRow("tabs and backspaces") << QByteArray("\r\n\r\n") << tabs << false;
+        QTest::newRow("full rows") << QByteArray() << fullRows << false;
+        QTest::newRow("line feeds only") << QByteArray("start") << numberedLines(1, 2000, "\n") << false;
+        QTest::newRow("carriage returns") << QByteArray() << crOnly << false;
+        QTest::newRow("tty latin-1") << QByteArray() << latin1 << true;
         QTest::newRow("sequence at the end")
-            << QByteArray() << numberedLines(1, 1500) + "\x1b[1;31mred\x1b[0m\r\n";
+            << QByteArray() << numberedLines(1, 1500) + "\x1b[1;31mred\x1b[0m\r\n"
+            << false;
         QTest::newRow("sequence in the middle")
-            << QByteArray() << numberedLines(1, 700) + "\x1b[5;10r\x1b[4h" + numberedLines(701, 1400);
-        QTest::newRow("after a scroll region") << QByteArray("\x1b[3;6r\x1b[6;1H") << numberedLines(1, 2000);
+            << QByteArray() << numberedLines(1, 700) + "\x1b[5;10r\x1b[4h" + numberedLines(701, 1400)
+            << false;
+        QTest::newRow("after a scroll region")
+            << QByteArray("\x1b[3;6r\x1b[6;1H") << numberedLines(1, 2000) << false;
     }
 
     void fastStreamMatchesByteByByte()
     {
         QFETCH(QByteArray, before);
         QFETCH(QByteArray, stream);
+        QFETCH(bool, tty);
 
         TermEmulator burst(25, 80);
         TermEmulator trickle(25, 80);
         // A fast port: pieces queued one after another, interpreted only at the end.
         TermEmulator pieces(25, 80);
-        for (TermEmulator *emu : {&burst, &trickle, &pieces}) {
+        // Interpreted as it comes in pieces that cut lines and sequences anywhere.
+        TermEmulator sliced(25, 80);
+        for (TermEmulator *emu : {&burst, &trickle, &pieces, &sliced}) {
             emu->setScrollLimit(100);
+            emu->setEmulation(tty ? TermEmulation::Tty : TermEmulation::Vt100);
             emu->write(before);
             emu->process();
         }
-        burst.write(stream);
+        const auto shown = [tty](const QByteArray &bytes) { return tty ? ::ttyFilter(bytes) : bytes; };
+        burst.write(shown(stream));
         burst.process();
-        for (qsizetype i = 0; i < stream.size(); i += 7) {
-            trickle.write(stream.mid(i, 7));
+        for (const char b : stream) {
+            trickle.write(shown(QByteArray(1, b)));
             trickle.process();
         }
         for (qsizetype i = 0; i < stream.size(); i += 4096)
-            pieces.write(stream.mid(i, 4096));
+            pieces.write(shown(stream.mid(i, 4096)));
         pieces.process();
+        for (qsizetype i = 0; i < stream.size(); i += 333) {
+            sliced.write(shown(stream.mid(i, 333)));
+            sliced.process();
+        }
         QCOMPARE(dump(burst), dump(trickle));
         QCOMPARE(dump(pieces), dump(trickle));
+        QCOMPARE(dump(sliced), dump(trickle));
+        QCOMPARE(sliced.takeScrolledLines(), trickle.takeScrolledLines());
     }
 
     void fastStreamIsPassedOverOnlyWhenPlain()

@@ -54,6 +54,13 @@ void copyPieces(uchar *bits, qsizetype rowBytes, int lines, size_t cellBytes,
     }
 }
 
+// A blank that looks like the screen's own background.
+bool isPlainBlank(const TermCell &cell)
+{
+    return cell.ch == U' ' && cell.bg.isDefault() &&
+           (cell.attrs & (TermCell::Reverse | TermCell::Underline | TermCell::Strike)) == 0;
+}
+
 } // namespace
 
 TermRenderer::TermRenderer()
@@ -235,7 +242,12 @@ void TermRenderer::renderRow(QImage &image, const RowLook &look) const
     bool lastSelected = false;
     CellColors colors;
     bool haveColors = false;
-    for (int column = 0; column < columns; ++column) {
+    // The blanks that end most rows are filled with the background rather than copied cell by cell.
+    int inkEnd = columns;
+    while (inkEnd > 0 && isPlainBlank(cells[size_t(inkEnd - 1)]) &&
+           !(inkEnd - 1 >= look.selFrom && inkEnd - 1 < look.selTo))
+        --inkEnd;
+    for (int column = 0; column < inkEnd; ++column) {
         const TermCell &cell = cells[size_t(column)];
         // The right half of a wide character was painted with its left half.
         if (cell.ch == 0 && column > 0 && cells[size_t(column - 1)].ch != 0)
@@ -268,9 +280,14 @@ void TermRenderer::renderRow(QImage &image, const RowLook &look) const
             {offset, glyph.bits, glyph.stride, size_t(std::min(glyph.stride, rowBytes - offset))});
     }
     copyPieces(bits, rowBytes, height, size_t(cellBytes), pieces);
+    const CellColors plain = filterColors(defaultFg, defaultBg, filter);
+    const qsizetype blankFrom = std::min<qsizetype>(qsizetype(inkEnd) * cellBytes / 4, image.width());
+    for (int y = 0; y < height && blankFrom < image.width(); ++y) {
+        auto *line = reinterpret_cast<QRgb *>(bits + y * rowBytes);
+        std::fill(line + blankFrom, line + image.width(), plain.bg.rgb());
+    }
     if (look.cursorColumn < 0 || look.cursorColumn >= columns)
         return;
-    const CellColors plain = filterColors(defaultFg, defaultBg, filter);
     QPainter painter(&image);
     const QRect cell(look.cursorColumn * m_cellWidth, 0, m_cellWidth, m_cellHeight);
     if (m_style.cursorType == TermStyle::CursorBlock) {

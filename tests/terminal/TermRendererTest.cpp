@@ -41,6 +41,8 @@ const PaintCase kPaintCases[] = {
     {"selection ends before", {}, "abc", -1, -1, 1, 3, -1, 3, false, kBlue},
     {"selection starts at", {}, "abc", -1, -1, 1, 3, -1, 0, false, kBlue},
     {"reverse selected", {}, "abc", 1, -1, 0, 3, -1, 1, false, kBlue},
+    {"selected blanks", {}, "a", -1, -1, 1, 4, -1, 3, false, kWhite},
+    {"reversed blank", {}, "", 3, -1, -1, -1, -1, 3, false, kWhite},
     {"modem colour", {}, "", -1, 2, -1, -1, -1, 2, false, kModemRed},
     {"modem colour reversed", {}, "", 2, 2, -1, -1, -1, 2, false, kWhite},
     {"gray scale", {15, 4, 1, 0}, "", -1, -1, -1, -1, -1, 0, false, gray(kRed)},

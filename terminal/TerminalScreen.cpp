@@ -5,6 +5,7 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPaintEngine>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -34,6 +35,20 @@ constexpr qsizetype kSliceBytes = 256 * 1024;
 constexpr qsizetype kMostPending = 1024 * 1024;
 
 const QLatin1String kLineEnd("\r\n");
+
+// The picture a painter paints into, when rows can be written into it directly: a window's own
+// picture at one pixel per point in the colour format of the row pictures.
+QImage *paintTarget(QPainter &painter)
+{
+    QPaintDevice *device = painter.paintEngine() ? painter.paintEngine()->paintDevice() : nullptr;
+    if (!device || device->devType() != QInternal::Image ||
+        painter.deviceTransform().type() > QTransform::TxTranslate)
+        return nullptr;
+    auto *image = static_cast<QImage *>(device);
+    const bool rgb =
+        image->format() == QImage::Format_RGB32 || image->format() == QImage::Format_ARGB32_Premultiplied;
+    return rgb && image->isDetached() ? image : nullptr;
+}
 
 } // namespace
 
@@ -186,6 +201,7 @@ void TerminalScreen::process(qsizetype maxBytes)
         emit bell();
     const qint64 scrolled = m_emu.takeScrolledLines();
     m_lastProcessScrolled = scrolled > 0;
+    m_scrolledSincePaint += scrolled;
     QRect damage = m_emu.takeDamage();
     if (scrolled > 0)
         scrollbackGrew(scrolled);
@@ -425,9 +441,21 @@ void TerminalScreen::paintEvent(QPaintEvent *event)
     const int top = topRow();
     m_renderer.setDevicePixelRatio(devicePixelRatioF());
     const size_t cachedRows = size_t(2 * Rows() + 8);
-    for (int viewRow = firstRow; viewRow <= lastRow; ++viewRow)
-        painter.drawImage(QPoint(0, viewRow * cell.height()),
-                          m_renderer.rowImage(rowLook(top + viewRow), cachedRows));
+    // After a screenful of new lines every row is new and moves on at the next tick: such rows are
+    // painted straight into the window's picture instead of into pictures of their own first.
+    QImage *target = std::exchange(m_scrolledSincePaint, 0) >= Rows() ? paintTarget(painter) : nullptr;
+    for (int viewRow = firstRow; viewRow <= lastRow; ++viewRow) {
+        const QRect row(0, viewRow * cell.height(), Columns() * cell.width(), cell.height());
+        const QRect pixels = painter.deviceTransform().mapRect(row);
+        if (target && target->rect().contains(pixels) &&
+            painter.paintEngine()->systemClip().contains(pixels)) {
+            QImage part(target->bits() + pixels.top() * target->bytesPerLine() + pixels.left() * 4,
+                        pixels.width(), pixels.height(), target->bytesPerLine(), target->format());
+            m_renderer.renderRow(part, rowLook(top + viewRow));
+        } else {
+            painter.drawImage(row.topLeft(), m_renderer.rowImage(rowLook(top + viewRow), cachedRows));
+        }
+    }
 
     // Beyond the last column and the last row, the screen's own background.
     const QRegion margin = QRegion(area) - QRect(0, 0, Columns() * cell.width(), Rows() * cell.height());

@@ -171,6 +171,7 @@ private:
     CellPos m_paintedCursor{-1, -1};
     std::chrono::milliseconds m_lastProcess{0};
     bool m_lastProcessScrolled = false;
+    qint64 m_scrolledSincePaint = 0;
     QElapsedTimer m_clock;
 
     CellPos m_selAnchor;

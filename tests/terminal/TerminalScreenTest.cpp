@@ -172,6 +172,23 @@ private slots:
         QCOMPARE(screen.SelText(), QStringLiteral("line 3"));
     }
 
+    // After a screenful of new lines the rows are painted straight into the window's picture; they
+    // must look as rows painted through pictures of their own (as a grab paints them).
+    void newScreenPaintedStraightIntoTheWindow()
+    {
+        TerminalScreen screen;
+        screen.setColumns(40); // all of it fits in a new window
+        screen.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&screen));
+        screen.receive(lines(1, 60) + "\x1b[7mreversed\x1b[0m \x1b[31mred\x1b[0m");
+        screen.flush();
+        screen.viewport()->repaint();
+        const QRect view(screen.viewport()->mapTo(&screen, QPoint()), screen.viewport()->size());
+        const QImage window = screen.screen()->grabWindow(screen.winId()).toImage().copy(view);
+        QCOMPARE(window.convertToFormat(QImage::Format_RGB32),
+                 screen.grab(view).toImage().convertToFormat(QImage::Format_RGB32));
+    }
+
     void bellOncePerRepaint()
     {
         TerminalScreen screen;

@@ -150,7 +150,13 @@ void TermEmulator::create()
     m_screen = vterm_obtain_screen(m_vt);
     vterm_screen_set_callbacks(m_screen, &Callbacks::table, this);
     vterm_screen_set_damage_merge(m_screen, VTERM_DAMAGE_SCREEN);
+    resetScreen();
+}
+
+void TermEmulator::resetScreen()
+{
     vterm_screen_reset(m_screen, 1);
+    vterm_screen_flush_damage(m_screen);
     m_plainHistory = true;
     m_cursorVisible = true;
     m_damage = QRect(0, 0, m_columns, m_rows);
@@ -168,11 +174,7 @@ void TermEmulator::setSize(int rows, int columns)
     vterm_set_size(m_vt, rows, columns);
     m_rows = rows;
     m_columns = columns;
-    vterm_screen_reset(m_screen, 1);
-    vterm_screen_flush_damage(m_screen);
-    m_plainHistory = true;
-    m_cursorVisible = true;
-    m_damage = QRect(0, 0, m_columns, m_rows);
+    resetScreen();
 }
 
 void TermEmulator::setScrollLimit(int lines)
@@ -392,11 +394,7 @@ void TermEmulator::pushLine(int columns, const void *cells)
 void TermEmulator::clearScreen()
 {
     process();
-    vterm_screen_reset(m_screen, 1);
-    vterm_screen_flush_damage(m_screen);
-    m_plainHistory = true;
-    m_cursorVisible = true;
-    m_damage = QRect(0, 0, m_columns, m_rows);
+    resetScreen();
 }
 
 void TermEmulator::rowCells(int row, std::vector<TermCell> &cells) const

@@ -124,6 +124,8 @@ public:
 private:
     struct Callbacks;
     void create();
+    // An empty screen with the cursor home, all of it to be painted again.
+    void resetScreen();
     void feedVterm(const char *bytes, qsizetype length);
     // Feeds a run of plain text that starts with the cursor on the bottom row as one scroll by the
     // rows it will push up, the cursor moved up as far, then the run itself: libvterm then moves the

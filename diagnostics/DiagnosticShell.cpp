@@ -9,6 +9,8 @@
 #include "RepeaterRoute.h"
 #include "TextRules.h"
 
+#include <QFileInfo>
+
 namespace {
 const QString kSpreadSpectrum = QStringLiteral("Q40Z");
 constexpr int kNewCaseSerial = 12000;
@@ -120,5 +122,9 @@ QString askFileName(Prompts &prompts, FileDialogRequest::Kind kind, const QStrin
     request.kind = kind;
     request.filter = fileDialogFilter(filter);
     request.fileName = preset;
-    return prompts.FileDialog(request);
+    QString name = prompts.FileDialog(request);
+    // A name typed without a type gets the first one the dialog lists, so it is listed there again.
+    if (kind == FileDialogRequest::Kind::Save && !name.isEmpty() && QFileInfo(name).suffix().isEmpty())
+        name += filter.section(u'|', 1, 1).mid(1);
+    return name;
 }

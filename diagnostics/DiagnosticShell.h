@@ -73,5 +73,6 @@ inline const QString kReportFileFilter =
 // A name of one blank in the open dialog: a dialog that hands it back has chosen nothing.
 inline const QString kBlankFileName = QStringLiteral(" ");
 // The name the user picks in a file dialog with the filter as the program writes it, empty on Cancel.
+// A name to save under that has no type gets the filter's first.
 QString askFileName(Prompts &prompts, FileDialogRequest::Kind kind, const QString &filter,
                     const QString &preset = {});

@@ -68,7 +68,8 @@ const char *const kRuns[][6] = {
 // What the user does on the set-up form, the boxes and dialogs in turn, the file written, the rows
 // on the form after and the setting.
 const char *const kSetups[][6] = {
-    {"save names the unnamed rows", "txtRepAdd_0:5 | txtRepAdd_2:7 | txtRepName_2:C | save", "file:out.nvr",
+    {"save names the unnamed rows, and the file its type",
+     "txtRepAdd_0:5 | txtRepAdd_2:7 | txtRepName_2:C | save", "file:out",
      "Repeater  1:5\r\n:\r\nC:7\r\n:\r\n:\r\n:\r\n\r\n", "Repeater  1:5 | : | C:7 | : | : | :", "saved"},
     {"a save and a load close the rows up", "txtRepAdd_0:5 | txtRepAdd_2:7 | save | new | load",
      "file:out.nvr | saved:Yes | file:out.nvr", "Repeater  1:5\r\n:\r\nRepeater  3:7\r\n:\r\n:\r\n:\r\n\r\n",
